@@ -1,0 +1,42 @@
+// The middleware's reminder store.
+#pragma once
+
+#include "host/Export.h"
+
+class CRemindInfo;
+class TCProgram;
+
+/// The store of reminders and recordings. There is one, or none when the set cannot keep any. May be
+/// called from any thread.
+class HOST_API CReminder {
+public:
+    /// What an entry does when it comes due.
+    enum RESERVE_TYPE {
+        RESERVE_VIEW = 0,
+        RESERVE_RECORD = 1,
+        RESERVE_RECORDING = 3,  ///< a recording that is running
+        RESERVE_SERIES = 9      ///< records each programme of a series
+    };
+
+    enum REMINDER_REPEAT_TYPE {
+        REPEAT_ONCE = 0,
+        REPEAT_EVERYDAY = 1,
+        REPEAT_WEEKDAYS = 2,
+        REPEAT_WEEKEND = 3,
+        REPEAT_MANUAL = 4,  ///< on the days of CRemindInfo::ManualRepeat
+        REPEAT_INVALID = 5  ///< what no entry has: the result of reading an unknown text
+    };
+
+    enum CREATION_TYPE { CREATED_FROM_EPG = 0, CREATED_MANUALLY = 1 };
+
+    /// The store, owned by the middleware; null when there is none.
+    static CReminder* GetInstance();
+
+    virtual ~CReminder();
+
+    /// Fills `info` with the entry made for `program` and answers whether there is one.
+    virtual bool FindRemindItemFromProgram(const TCProgram& program, CRemindInfo& info) = 0;
+
+    /// Fills `info` with the entry of that UID and answers whether there is one.
+    virtual bool GetRemindItemByUid(unsigned long uid, CRemindInfo& info) = 0;
+};

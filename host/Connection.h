@@ -1,0 +1,29 @@
+// The host's SQLite connection.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <string>
+
+#include "host/Export.h"
+
+/// One SQLite database. Not copyable; closed when it is destroyed, after the statements that were
+/// compiled on it, each of which shares it.
+class HOST_API Connection {
+public:
+    Connection() = default;
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    /// Opens the database of that name (":memory:" for one in memory) and answers whether it did;
+    /// what failed is logged. The connection gets the function SEARCH_SCORE(column, text), and its
+    /// statements are held inside the database: no other file is reached, no limit is changed.
+    bool open(const std::string& name);
+
+    /// The SQLite handle, owned by the connection; null when nothing is open.
+    sqlite3* handle() const { return m_handle; }
+
+private:
+    sqlite3* m_handle = nullptr;
+};

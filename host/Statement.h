@@ -1,0 +1,47 @@
+// The host's SQLite statement.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <string>
+
+#include "host/Connection.h"
+#include "host/Export.h"
+#include "host/SharedPtr.h"
+
+/// One prepared statement, and the SQL text that is still to be compiled. Not copyable. Every
+/// operation is harmless on an empty handle, as SQLite's own row functions are.
+class HOST_API Statement {
+public:
+    Statement() = default;
+    ~Statement();
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+    void setConnection(Container::SharedPtr<Connection> connection) { m_connection = connection; }
+    void setSql(const std::string& sql) { m_sql = sql; }
+
+    /// Prepares the first statement of the SQL text, in place of an earlier one, and keeps the rest
+    /// as the new SQL text. On a failure SQLite's message and the text are logged, the handle is
+    /// empty, and so is the remaining text.
+    void compile();
+
+    /// Runs one step: true for a row and for completion, false otherwise. The step of a Statement
+    /// that compiled nothing is false.
+    bool step();
+
+    /// Whether SQL text is left to compile.
+    bool hasMoreSql() const { return !m_sql.empty(); }
+
+    /// Finalises the prepared statement; the destructor does the same.
+    void close();
+
+    /// The SQLite handle for stepping and reading rows, owned by the statement; null when there is
+    /// none.
+    sqlite3_stmt* handle() const { return m_handle; }
+
+private:
+    sqlite3_stmt* m_handle = nullptr;
+    std::string m_sql;
+    Container::SharedPtr<Connection> m_connection;
+};

@@ -1,0 +1,53 @@
+// A programme of the middleware's guide.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/Export.h"
+
+namespace epgset {
+struct Programme;
+}
+
+/// One programme. A new one is empty. Times are UNIX seconds; texts are UTF-16 in big-endian byte
+/// order. A copy shares what the original was filled with.
+class HOST_API TCProgram {
+public:
+    /// What marks a programme as part of a series.
+    struct TTSeriesItem {
+        std::vector<unsigned char> title;  ///< UTF-16, big-endian; the item's own copy
+    };
+
+    TCProgram() = default;
+    explicit TCProgram(std::shared_ptr<const epgset::Programme> programme);
+    TCProgram(const TCProgram&) = default;
+    TCProgram& operator=(const TCProgram&) = default;
+    virtual ~TCProgram();
+
+    std::uint32_t StartTime() const;
+    std::uint32_t EndTime() const;
+    int EventId() const;
+    int FreeCAMode() const;  ///< non-zero when the programme is scrambled
+
+    /// Length of the title in bytes; 0 when there is none.
+    virtual int TitleLength() const;
+
+    /// Copies the title into `buffer`, at most `bytes` bytes, and answers how many were copied.
+    virtual int GetTitle(void* buffer, int bytes) const;
+
+    /// The same for the extended text, which is the synopsis.
+    virtual int ExtendedTextLength() const;
+    virtual int GetExtendedText(void* buffer, int bytes) const;
+
+    /// Fills `item` and answers 1 when the programme is part of a series; `reserved` is 0.
+    virtual int GetSeriesInfo(TTSeriesItem& item, int reserved) const;
+
+    /// Fills `list` with the content reference identifiers of the given type (0: all).
+    virtual void GetCRIDs(std::vector<std::string>& list, int type) const;
+
+private:
+    std::shared_ptr<const epgset::Programme> m_programme;
+};

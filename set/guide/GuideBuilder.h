@@ -1,0 +1,43 @@
+// Builds a Guide.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "set/guide/Guide.h"
+
+namespace epgset {
+
+/// Collects channels and programmes in any order and makes a Guide of them: sorted, texts in a few
+/// large blocks. Numbers, times and ids are taken as given; who reads a guide file sees to them.
+class GuideBuilder {
+public:
+    /// A programme as it is added; the texts are copied.
+    struct ProgrammeDraft {
+        std::uint32_t start = 0;
+        std::uint32_t stop = 0;
+        std::uint16_t eventId = 0;
+        bool scrambled = false;
+        std::string_view title;
+        std::string_view synopsis;
+        std::string_view series;
+    };
+
+    /// Adds a channel and answers its handle for addProgramme; the programme fields are ignored.
+    std::size_t addChannel(Channel channel);
+
+    /// Adds a programme to a channel.
+    void addProgramme(std::size_t channel, const ProgrammeDraft& programme);
+
+    void setProgrammesDropped(std::size_t count);
+
+    /// The finished guide. The builder is empty afterwards.
+    std::shared_ptr<const Guide> finish();
+};
+
+}  // namespace epgset
