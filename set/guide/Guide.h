@@ -20,7 +20,8 @@ struct Channel {
     std::int16_t minor = 0;  ///< 0: none
     bool digital = true;
     bool scrambled = false;
-    std::uint8_t serviceType = 1;  ///< 0 ALL, 1 TV, 2 RADIO, 3 OTHER, 4 FREE, 5 SCRAMBLE, 6 SEARCHED, 7 ANALOG
+    std::uint8_t serviceType =
+        1;  ///< 0 ALL, 1 TV, 2 RADIO, 3 OTHER, 4 FREE, 5 SCRAMBLE, 6 SEARCHED, 7 ANALOG
     std::uint16_t ptc = 0;
     std::uint16_t programNumber = 0;
     std::string source;  ///< where a recording is read from; may be empty
@@ -31,8 +32,8 @@ struct Channel {
 
 /// One programme. Texts are UTF-8 and live as long as the guide.
 struct Programme {
-    std::uint32_t start = 0;  ///< UNIX seconds
-    std::uint32_t stop = 0;   ///< UNIX seconds, exclusive
+    std::uint32_t start = 0;    ///< UNIX seconds
+    std::uint32_t stop = 0;     ///< UNIX seconds, exclusive
     std::uint32_t channel = 0;  ///< index into Guide::channels()
     std::uint16_t eventId = 0;  ///< 1 to 65535, unique within its channel
     bool scrambled = false;
@@ -54,10 +55,10 @@ public:
         return programmes().subspan(channel.firstProgramme, channel.programmeCount);
     }
 
-    /// The channels of one reception mode.
+    /// The channels of one reception mode; none for a mode that has none.
     std::span<const Channel> channelsOf(int tvMode) const;
 
-    /// The channel of that number, or null.
+    /// The channel of exactly that number, or null; owned by the guide.
     const Channel* find(int tvMode, int major, int minor) const;
 
     /// How many programmes were left out because the cache has a bound.

@@ -4,12 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "set/guide/Guide.h"
+#include "set/guide/TextPool.h"
 
 namespace epgset {
 
@@ -31,13 +30,20 @@ public:
     /// Adds a channel and answers its handle for addProgramme; the programme fields are ignored.
     std::size_t addChannel(Channel channel);
 
-    /// Adds a programme to a channel.
+    /// Adds a programme to a channel. Throws std::out_of_range for a handle that addChannel did not give.
     void addProgramme(std::size_t channel, const ProgrammeDraft& programme);
 
-    void setProgrammesDropped(std::size_t count);
+    /// What Guide::programmesDropped() answers; 0 unless it is set.
+    void setProgrammesDropped(std::size_t count) { programmesDropped_ = count; }
 
     /// The finished guide. The builder is empty afterwards.
     std::shared_ptr<const Guide> finish();
+
+private:
+    std::vector<Channel> channels_;
+    std::vector<Programme> programmes_;  ///< `channel` is the handle
+    TextPool texts_;
+    std::size_t programmesDropped_ = 0;
 };
 
 }  // namespace epgset
