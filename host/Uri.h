@@ -23,11 +23,12 @@ struct TARNO_rstr_uri_query_st {
     char** values;       ///< `count` values; empty for a name without "="
 };
 
-/// The record of a path, or null when it cannot be made (a null path, an encoded NUL, no memory). A
-/// negative length means up to the terminating NUL.
+/// The record of a path, or null when it cannot be made (a null path, a NUL inside, encoded or not, no
+/// memory). An empty path gives a record of no parts. A negative length means up to the terminating NUL.
 HOST_API TARNO_rstr_uri_path_st* TARNO_rstr_uri_parse_path(const char* path, int length);
 
-/// The record of a query, or null when it cannot be made. An empty query gives a record of no pairs.
+/// The record of a query, or null when it cannot be made (as for a path). An empty query gives a record
+/// of no pairs.
 HOST_API TARNO_rstr_uri_query_st* TARNO_rstr_uri_parse_query(const char* query, int length);
 
 /// Frees a record; null is accepted.
