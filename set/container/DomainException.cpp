@@ -6,6 +6,8 @@ DomainException::DomainException(const char* message) : std::runtime_error(messa
 
 DomainException::~DomainException() = default;
 
-void raiseError(const char* message) { throw DomainException(message); }
+void raiseError(const char* message) {
+    throw DomainException(message);
+}
 
 }  // namespace Container
