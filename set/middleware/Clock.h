@@ -1,8 +1,11 @@
 // The set's clock and zone.
 #pragma once
 
+#include <atomic>
+#include <chrono>
 #include <cstdint>
-#include <string>
+
+#include "set/middleware/LocalZone.h"
 
 namespace epgset {
 
@@ -19,6 +22,9 @@ public:
 
     /// Whether daylight saving is in force in the middleware's count.
     virtual bool daylightSaving() const = 0;
+
+    /// Seconds that the middleware's local seconds are ahead of UNIX time now.
+    int localOffset() const { return zoneMinutes() * 60 + (daylightSaving() ? 3600 : 0); }
 };
 
 /// The clock in use: at first the system's, in UTC.
@@ -31,7 +37,7 @@ void useClock(const Clock* clock);
 enum class Zone { Utc, Local };
 
 /// A clock that runs on from `start` (UNIX seconds) with the system's monotonic clock, or follows the
-/// system's clock when none is given. With Zone::Local the zone is the process's TZ.
+/// system's clock when none is given. With Zone::Local the zone is the process's TZ, by localZoneAt.
 class RunningClock : public Clock {
 public:
     explicit RunningClock(Zone zone);
@@ -42,9 +48,15 @@ public:
     bool daylightSaving() const override;
 
 private:
+    ZoneOffset zoneNow() const;
+
     Zone zone_;
     bool follows_;
-    std::int64_t offset_ = 0;  ///< start less the monotonic clock's seconds, in nanoseconds
+    std::int64_t start_ = 0;
+    std::chrono::steady_clock::time_point began_;  ///< when `start_` was
+
+    /// The zone at one second, packed into one word; a fill of the plug-in's table asks some 100,000 times.
+    mutable std::atomic<std::uint64_t> zoneCache_;
 };
 
 }  // namespace epgset

@@ -8,9 +8,9 @@ namespace epgset {
 
 /// One way to receive channels.
 struct ReceptionMode {
-    int tvMode;              ///< the middleware's number of the mode
-    int sourceType;          ///< the number that key lists are asked for; also its channel type
-    std::string_view name;   ///< the word of the line-up, such as "AIR"
+    int tvMode;             ///< the middleware's number of the mode
+    int sourceType;         ///< the number that key lists are asked for; also its channel type
+    std::string_view name;  ///< the word of the line-up, such as "AIR"
 };
 
 /// All modes, in the order in which they are listed everywhere.

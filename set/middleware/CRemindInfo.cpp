@@ -1,0 +1,3 @@
+#include "host/CRemindInfo.h"
+
+CRemindInfo::~CRemindInfo() = default;

@@ -1,0 +1,3 @@
+#include "host/TCChannelKey.h"
+
+TCChannelKey::~TCChannelKey() = default;
