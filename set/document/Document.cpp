@@ -1,0 +1,140 @@
+#include "set/document/Document.h"
+
+#include <algorithm>
+#include <cstring>
+#include <exception>
+#include <limits>
+#include <new>
+#include <string>
+
+#include "set/document/DocumentFaults.h"
+#include "set/text/Utf8.h"
+
+namespace epgset {
+namespace {
+
+/// A repair can make a text three times as long and an escape that six times; so the printers' 32-bit
+/// lengths hold it.
+constexpr std::size_t longestText = std::numeric_limits<std::uint32_t>::max() / 32;
+
+constexpr std::size_t blockAlignment = std::max(alignof(DocumentMember), alignof(DocumentObject));
+
+/// A text made clean; keeps what it had to write anew.
+class CleanText {
+public:
+    explicit CleanText(std::string_view text) : text_(text) {
+        if (isCleanUtf8(text, Utf8Repertoire::Xml)) return;
+        repaired_ = repairedUtf8(text, Utf8Repertoire::Xml);
+        text_ = repaired_;
+    }
+    CleanText(const CleanText&) = delete;
+    CleanText& operator=(const CleanText&) = delete;
+
+    std::string_view view() const { return text_; }
+
+private:
+    std::string repaired_;
+    std::string_view text_;
+};
+
+char* copyWithNul(std::string_view text, char* out) {
+    if (!text.empty()) std::memcpy(out, text.data(), text.size());
+    out[text.size()] = '\0';
+    return out + text.size() + 1;
+}
+
+bool isAncestor(const DocumentObject& candidate, const DocumentObject& object) {
+    for (const DocumentObject* ancestor = &object; ancestor != nullptr; ancestor = ancestor->parent) {
+        if (ancestor == &candidate) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+bool DocumentObject::isList() const {
+    return isEmpty() ? parent != nullptr : !hasNamed;
+}
+
+DocumentObject* Document::createObject() {
+    if (!complete_ || byteCount_ > documentByteBudget()) return nullptr;
+    return new (allocate(sizeof(DocumentObject))) DocumentObject(*this);
+}
+
+void Document::addObject(DocumentObject& parent, const char* key, DocumentObject& child) noexcept {
+    const bool attached = child.parent != nullptr || &child == &root_;
+    if (attached || &child.document != this || &parent.document != this) return;
+    // Only an object that holds others can be above its new parent, so a tree that is built from the top
+    // never walks up.
+    if (&parent == &child || (child.hasObjects && isAncestor(child, parent))) return;
+    DocumentMember* member = tryAddMember(parent, key, {});
+    if (member == nullptr) return;
+    member->kind = DocumentMember::Kind::Object;
+    member->object = &child;
+    parent.hasObjects = true;
+    child.parent = &parent;
+    child.place = member;
+}
+
+void Document::addText(DocumentObject& object, const char* key, const char* text) noexcept {
+    DocumentMember* member = tryAddMember(object, key, text == nullptr ? std::string_view() : text);
+    if (member != nullptr && text != nullptr) member->kind = DocumentMember::Kind::Text;
+}
+
+void Document::addInteger(DocumentObject& object, const char* key, std::int32_t value) noexcept {
+    DocumentMember* member = tryAddMember(object, key, {});
+    if (member == nullptr) return;
+    member->kind = DocumentMember::Kind::Integer;
+    member->integer = value;
+}
+
+void Document::addBoolean(DocumentObject& object, const char* key, bool value) noexcept {
+    DocumentMember* member = tryAddMember(object, key, {});
+    if (member == nullptr) return;
+    member->kind = DocumentMember::Kind::Boolean;
+    member->boolean = value;
+}
+
+DocumentMember* Document::addMember(DocumentObject& object, const char* key, std::string_view text) {
+    const std::string_view keyText = key == nullptr ? std::string_view() : key;
+    if (keyText.size() > longestText || text.size() > longestText) throw std::bad_alloc();
+    const CleanText cleanKey(keyText);
+    const CleanText cleanText(text);
+    const std::size_t keyLength = cleanKey.view().size();
+    const std::size_t textLength = cleanText.view().size();
+
+    void* block = allocate(sizeof(DocumentMember) + keyLength + textLength + 2);
+    auto* member = new (block) DocumentMember;
+    char* texts = static_cast<char*>(block) + sizeof(DocumentMember);
+    copyWithNul(cleanText.view(), copyWithNul(cleanKey.view(), texts));
+    member->keyStart = texts;
+    member->keyLength = static_cast<std::uint32_t>(keyLength);
+    member->textLength = static_cast<std::uint32_t>(textLength);
+    member->named = key != nullptr;
+
+    (object.first == nullptr ? object.first : object.last->next) = member;
+    object.last = member;
+    object.hasNamed = object.hasNamed || member->named;
+    return member;
+}
+
+DocumentMember* Document::tryAddMember(DocumentObject& object, const char* key,
+                                       std::string_view text) noexcept {
+    try {
+        return addMember(object, key, text);
+    } catch (const std::exception&) {  // no memory, or no text that long
+        complete_ = false;
+        return nullptr;
+    }
+}
+
+void* Document::allocate(std::size_t bytes) {
+    // Rounded as the arena rounds, so that the count is true to the memory used.
+    bytes = (bytes + blockAlignment - 1) / blockAlignment * blockAlignment;
+    if (byteCount_ + bytes > 2 * documentByteBudget()) throw std::bad_alloc();
+    void* block = arena_.allocate(bytes, blockAlignment);
+    byteCount_ += bytes;
+    return block;
+}
+
+}  // namespace epgset
