@@ -1,7 +1,9 @@
 // The list type behind the middleware's lists.
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -9,8 +11,8 @@
 ///
 /// The list works on a snapshot that was taken when it was filled: what changes in the middleware
 /// afterwards does not show. An object is made when it is first asked for, so counting a list costs
-/// no object. The list owns its objects: they go with Delete, Destroy or the list itself; who wants to
-/// keep one copies it. Used by one thread.
+/// no object; all share one block of memory. The list owns its objects: they go with Delete, Destroy or
+/// the list itself; who wants to keep one copies it. Used by one thread.
 template <typename T>
 class SnapshotList {
 public:
@@ -20,8 +22,9 @@ public:
         virtual ~Source() = default;
         virtual int Count() const = 0;
 
-        /// The object of entry `index` (0 to Count() - 1); null for an empty entry.
-        virtual std::unique_ptr<T> Make(int index) const = 0;
+        /// Makes the object of entry `index` (0 to Count() - 1) in `object`, which is empty before and
+        /// stays so for an empty entry.
+        virtual void Make(int index, std::optional<T>& object) const = 0;
     };
 
     /// Where a Seek starts.
@@ -54,10 +57,10 @@ public:
     /// The object at the position, owned by the list; null without a position or for an empty entry.
     T* Data() {
         if (m_position < 0) return nullptr;
-        if (m_objects.empty()) m_objects.resize(static_cast<std::size_t>(m_count));
-        std::unique_ptr<T>& object = m_objects[static_cast<std::size_t>(m_position)];
-        if (!object) object = m_source->Make(m_position);
-        return object.get();
+        if (m_objects.empty()) m_objects = std::vector<std::optional<T>>(static_cast<std::size_t>(m_count));
+        std::optional<T>& object = m_objects[static_cast<std::size_t>(m_position)];
+        if (!object) m_source->Make(m_position, object);
+        return object ? &*object : nullptr;
     }
 
     /// Destroys the object at the position, if one was made; the entry stays and makes it anew.
@@ -70,7 +73,7 @@ public:
 
 private:
     std::shared_ptr<const Source> m_source;
-    std::vector<std::unique_ptr<T>> m_objects;  ///< by entry; empty until the first Data()
+    std::vector<std::optional<T>> m_objects;  ///< by entry; empty until the first Data()
     int m_count = 0;
     int m_position = -1;
 };

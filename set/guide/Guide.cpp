@@ -1,7 +1,6 @@
 #include "set/guide/Guide.h"
 
 #include <algorithm>
-#include <tuple>
 
 #include "set/guide/ChannelOrder.h"
 
@@ -17,13 +16,16 @@ std::span<const Channel> Guide::channelsOf(int tvMode) const {
     return {first, last};
 }
 
+// One search over all channels and not one within channelsOf(), and ranks only where modes differ: this runs
+// for each channel on each request.
 const Channel* Guide::find(int tvMode, int major, int minor) const {
-    const auto ofMode = channelsOf(tvMode);
-    const auto found = std::partition_point(ofMode.begin(), ofMode.end(), [&](const Channel& channel) {
-        return std::tuple<int, int>(channel.major, channel.minor) < std::tie(major, minor);
+    const auto wantedRank = modeRank(tvMode);
+    const auto found = std::partition_point(channels_.begin(), channels_.end(), [&](const Channel& channel) {
+        if (channel.tvMode != tvMode) return modeRank(channel.tvMode) < wantedRank;
+        return channel.major != major ? channel.major < major : channel.minor < minor;
     });
-    if (found == ofMode.end() || found->major != major || found->minor != minor) return nullptr;
-    return &*found;
+    if (found == channels_.end() || found->tvMode != tvMode) return nullptr;
+    return found->major == major && found->minor == minor ? &*found : nullptr;
 }
 
 }  // namespace epgset

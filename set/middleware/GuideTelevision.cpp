@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
@@ -27,9 +28,9 @@ public:
 
     int Count() const override { return static_cast<int>(channels_.size()); }
 
-    std::unique_ptr<TCChannelKey> Make(int index) const override {
+    void Make(int index, std::optional<TCChannelKey>& key) const override {
         const Channel& channel = channels_[static_cast<std::size_t>(index)];
-        return std::make_unique<TCChannelKey>(sourceType_, channel.major, channel.minor);
+        key.emplace(sourceType_, channel.major, channel.minor);
     }
 
 private:
@@ -54,10 +55,10 @@ public:
 
     int Count() const override { return static_cast<int>(count_); }
 
-    std::unique_ptr<TCProgram> Make(int index) const override {
+    void Make(int index, std::optional<TCProgram>& program) const override {
         const auto entry = static_cast<std::size_t>(index);
         const Programme& programme = programmes_[picked_.empty() ? entry : picked_[entry]];
-        return std::make_unique<TCProgram>(std::shared_ptr<const Programme>(guide_, &programme));
+        program.emplace(std::shared_ptr<const Programme>(guide_, &programme));
     }
 
 private:

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
 
 namespace epgset {
 
@@ -28,10 +30,25 @@ constexpr std::array<ReceptionMode, 18> modes{{
     {23, 13, "CS"},
 }};
 
-template <typename Member, typename Value>
-int positionOf(Member member, const Value& value) {
-    const auto mode = std::ranges::find(modes, value, member);
-    return mode == modes.end() ? -1 : static_cast<int>(mode - modes.begin());
+/// Positions by a number of the modes; both numbers are below this.
+using Positions = std::array<std::int8_t, 24>;
+
+constexpr Positions positionsBy(int ReceptionMode::*number) {
+    Positions positions{};
+    positions.fill(-1);
+    for (std::size_t position = 0; position < modes.size(); ++position) {
+        positions[static_cast<std::size_t>(modes[position].*number)] = static_cast<std::int8_t>(position);
+    }
+    return positions;
+}
+
+// Tables, because channels are ordered and found by these, many times for each request.
+constexpr Positions byTvMode = positionsBy(&ReceptionMode::tvMode);
+constexpr Positions bySourceType = positionsBy(&ReceptionMode::sourceType);
+
+int positionIn(const Positions& positions, int number) {
+    const auto index = static_cast<std::size_t>(number);
+    return index < positions.size() ? positions[index] : -1;
 }
 
 }  // namespace
@@ -41,15 +58,16 @@ std::span<const ReceptionMode> receptionModes() {
 }
 
 int receptionModeByTvMode(int tvMode) {
-    return positionOf(&ReceptionMode::tvMode, tvMode);
+    return positionIn(byTvMode, tvMode);
 }
 
 int receptionModeBySourceType(int sourceType) {
-    return positionOf(&ReceptionMode::sourceType, sourceType);
+    return positionIn(bySourceType, sourceType);
 }
 
 int receptionModeByName(std::string_view name) {
-    return positionOf(&ReceptionMode::name, name);
+    const auto mode = std::ranges::find(modes, name, &ReceptionMode::name);
+    return mode == modes.end() ? -1 : static_cast<int>(mode - modes.begin());
 }
 
 }  // namespace epgset
