@@ -1,0 +1,70 @@
+// The channel resources: the list, one channel, and whether a channel exists.
+#include <cstring>
+#include <string>
+
+#include "Vexmoor/EpgSQLPluginVexmoor.h"
+
+namespace {
+
+constexpr int channelView = 1;
+
+}  // namespace
+
+bool EpgSQLPluginVexmoor::m_isGet(const char* method) {
+    if (method != nullptr && std::strcmp(method, "GET") == 0) return true;
+    pluginLogger.warning("Function does not support this %s method", method);
+    return false;
+}
+
+int EpgSQLPluginVexmoor::m_execChnlListSqlQuery(TARNO_rstr_uri_query_st* query, void* document,
+                                                const char* method, ConnectionPtr connection) {
+    if (!m_isGet(method)) return 404;
+    const ParameterMap parameters = m_copyQueryParams(query);
+    std::string itemsMax;
+    std::string startIndex;
+    if (!m_getPagingParams(parameters, itemsMax, startIndex)) return 400;
+
+    std::string sql;
+    const int selectKind = m_getSqlSelectCols(sql, parameters, channelView);
+    sql += " FROM myView";
+    const bool hasCondition = m_getSqlWhereConditions(sql, parameters, channelView) == 0;
+    sql += hasCondition ? " AND" : " WHERE";
+    sql += " ScheduleId='' AND NOT ServiceType='' AND NOT AntennaType='' GROUP BY ChannelId ";
+    m_getSqlSortConditions(sql, parameters, channelView);
+    sql += ";";
+    return m_getChnlListResults(sql, document, itemsMax, startIndex, selectKind, connection);
+}
+
+int EpgSQLPluginVexmoor::m_execChnlInfoSqlQuery(const char* channelId, void* document, const char* method,
+                                                ConnectionPtr connection) {
+    if (!m_isGet(method)) return 404;
+    const std::string sql =
+        "SELECT ChannelId, ChannelName, ChannelPath, ChannelNumber, AntennaType, ScrambledFlag, ServiceType "
+        "FROM myView WHERE ChannelId='" +
+        std::string(channelId) + "' GROUP BY ChannelId;";
+    pluginLogger.debug("selectSql statement\n");
+    return m_getChnlInfoResults(sql, document, connection);
+}
+
+int EpgSQLPluginVexmoor::m_getChnlInfoResults(std::string sql, void* document, ConnectionPtr connection) {
+    Statement statement;
+    statement.setConnection(connection);
+    pluginLogger.trace("SQL query set as: %s", sql);
+    statement.setSql(sql);
+    statement.compile();
+    const bool found = sqlite3_step(statement.handle()) == SQLITE_ROW;
+    if (found) m_output_sql_result(document, channelView, statement.handle());
+    statement.close();
+    return found ? 200 : 404;
+}
+
+int EpgSQLPluginVexmoor::m_checkForChannelInDB(const char* channelId, ConnectionPtr connection) {
+    Statement statement;
+    statement.setConnection(connection);
+    statement.setSql("SELECT ChannelId From myView WHERE ChannelId='" + std::string(channelId) + "';");
+    statement.compile();
+    const bool found = sqlite3_step(statement.handle()) == SQLITE_ROW;
+    pluginLogger.trace(found ? "Channel exists in DB!\n" : "Channel does not exists in DB!\n");
+    statement.close();
+    return found ? 0 : -1;
+}

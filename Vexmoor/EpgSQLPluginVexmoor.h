@@ -1,0 +1,185 @@
+// The plug-in class: the guide table and the queries over it.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <atomic>
+#include <cstdint>
+#include <list>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "Vexmoor/EpgSQLPluginVexmoorUtil.h"
+#include "host/Connection.h"
+#include "host/Logger.h"
+#include "host/Mutex.h"
+#include "host/SharedPtr.h"
+#include "host/Statement.h"
+#include "host/Uri.h"
+
+/// The class's one logger, "Vexmoor/EpgSQLPluginVexmoor".
+extern const Container::Logger pluginLogger;
+
+/// Stands where a programme's picture or page would: a URL that leads nowhere.
+constexpr const char* placeholderUrl = "about:blank";
+
+/// The service. Its state is static: one database in memory with one table, `myView`, made and filled
+/// when the instance is first asked for. Status results are HTTP statuses, 0 meaning 200 and -1 that a
+/// document object could not be made. Container::DomainException may come out of whatever fills the
+/// table.
+///
+/// Instance() and rebuildDB() may be called from several threads; queries share the one connection
+/// without a further lock.
+class EpgSQLPluginVexmoor {
+public:
+    EpgSQLPluginVexmoor() = default;
+
+    /// The instance; the first call makes the database and fills it.
+    static Container::SharedPtr<EpgSQLPluginVexmoor> Instance();
+
+    /// Answers a request for a REST resource: writes into `document`, answers the status. `location`
+    /// is not used: it is the caller's own copy.
+    int ExecuteClientQuery(void* document, const char* method, TARNO_rstr_uri_path_st* pathRecord,
+                           TARNO_rstr_uri_query_st* queryRecord, char* body, int bodyLength, char* location);
+
+    /// Runs the SQL text that is the first value of the query.
+    int ExecuteClientCommand(TARNO_rstr_uri_query_st* queryRecord, void* document);
+
+    /// Whether the middleware's channels or programmes have changed enough since the last change to
+    /// fill the table again.
+    bool checkDB_UpdateNeeded();
+
+    /// Drops the table and fills it again, when forced or when the last fill is over 600 s old.
+    void rebuildDB(bool force);
+
+    /// Deletes the `count` programmes that start last among those without a schedule, and gives their
+    /// pages back.
+    void removeLastNProgramEntries(Container::SharedPtr<Connection> connection, int count);
+
+protected:  // open to derived classes, so that each operation can be tried alone
+    using ParameterMap = std::map<std::string, std::string>;
+    using ConnectionPtr = Container::SharedPtr<Connection>;
+
+    // Database -----------------------------------------------------------------------------------
+    static ConnectionPtr m_createSqlDB(const std::string& name);
+    static void m_configEpgDB(ConnectionPtr connection);
+
+    // Table schema -------------------------------------------------------------------------------
+
+    /// The REST key of a result column under a key view: 1 channel, 2 programme, 3 schedule rows.
+    static void m_convertColNameToUrParam(const std::string& column, int keyView, std::string& key);
+
+    // SQL texts ----------------------------------------------------------------------------------
+    static void m_extractColsFrmQuery(std::string& query, std::list<std::string>* columns);
+    static void m_extractColsFrmQueryInt(std::string& query, std::vector<int>* codes);
+    static void m_getCreateTblSql(std::string templateText, std::string& sql, std::string& table);
+    static void m_formatCreateSql(std::list<std::string>& definitions, std::string& sql, std::string& table);
+    static void m_getInsertSql(std::list<std::string>* values, std::string& sql, std::string& table);
+    static void m_addItemsToInsertSql(std::list<std::string>* values, std::string& value);
+    static void m_replaceSingleQuotes(std::string& text);
+    static void m_getViewNameFrmSql(const std::string& sql, std::string& name);
+    static void m_getTableNameFrmSql(const std::string& sql, std::string& name);
+    static bool m_TableCreated(std::string& table, std::map<std::string, std::string>& tables);
+    static int m_getIntFrmDateTimeString(const std::string& text);
+    static int m_getPrgStartTimeFrmSql(const std::string& sql, std::string& time);
+    static int m_getPrgEndTimeFrmSql(const std::string& sql, std::string& time);
+    static bool m_isProgramTimeInQueryRange(int start, int end, int rangeStart, int rangeEnd);
+
+    // Import -------------------------------------------------------------------------------------
+    static int m_CreateDBTable(const std::string& source, const std::string& templateText,
+                               TARNO_rstr_uri_query_st* query, ConnectionPtr connection);
+    static int m_createTblFrmEpg(const std::string& templateText, std::string& sql, ConnectionPtr connection);
+    static int m_parseEpgData(const std::string& templateText, std::string& table, ConnectionPtr connection,
+                              TARNO_rstr_uri_query_st* query);
+    static void m_getDataFromEpgCacheFAST(std::vector<int>* codes, std::string& table, TCChannel* channel,
+                                          ws_epg_program* record, TCProgram* program,
+                                          ConnectionPtr connection);
+    static void m_getSchedDataFromEpgCache(int code, std::list<std::string>* values, bool found,
+                                           CRemindInfo* info);
+    static void m_insertFakeProgram(TCChannel* channel, ConnectionPtr connection);
+    static int m_getCRIDsForPrgm(TCProgram* program, std::string& text);
+
+    // Update check and rebuild -------------------------------------------------------------------
+    static int m_deleteDBTable(const std::string& table, ConnectionPtr connection);
+
+    // Query parameters ---------------------------------------------------------------------------
+    static int m_validateQueryParamsFieldName(const std::string& name);
+    static int m_validateQueryParams(TARNO_rstr_uri_query_st* query);
+
+    /// The query's parameters by name; the last of one name counts.
+    static ParameterMap m_copyQueryParams(const TARNO_rstr_uri_query_st* query);
+
+    /// Takes the paging texts out of the parameters, empty when absent; false when one is refused.
+    static bool m_getPagingParams(const ParameterMap& parameters, std::string& itemsMax,
+                                  std::string& startIndex);
+
+    // SQL clauses --------------------------------------------------------------------------------
+    static void m_getColNamesFrmQueryParam(const std::string& value, std::list<std::string>& columns,
+                                           int view);
+    static int m_getSqlSelectCols(std::string& sql, const ParameterMap& parameters, int view);
+    static int m_getWhereConditions(std::map<std::string, std::string>& conditions,
+                                    const ParameterMap& parameters, int view);
+    static int m_getSqlWhereConditions(std::string& sql, const ParameterMap& parameters, int view);
+    static int m_getSqlSortConditions(std::string& sql, const ParameterMap& parameters, int view);
+
+    // Result rows --------------------------------------------------------------------------------
+    static int m_getSqlRowData(sqlite3_stmt* statement, int keyView, std::map<std::string, std::string>& row);
+    static int m_output_sql_result(void* object, int keyView, sqlite3_stmt* statement);
+    static int m_printSqlRowData(Statement& statement);
+    static int m_getChnlListResults(std::string sql, void* document, std::string itemsMax,
+                                    std::string startIndex, int selectKind, ConnectionPtr connection);
+    static int m_getPrgmListForChnlResults(std::string sql, void* document, std::string itemsMax,
+                                           std::string startIndex, int selectKind, ConnectionPtr connection);
+    static int m_getPrgmListResults(std::string sql, void* document, std::string itemsMax,
+                                    std::string startIndex, int selectKind, ConnectionPtr connection);
+    struct ListStyle;
+
+    /// What the three lists share: the "items", the page, the counts.
+    static int m_getListResults(const ListStyle& style, const std::string& sql, void* document,
+                                const std::string& itemsMax, const std::string& startIndex, int selectKind,
+                                ConnectionPtr connection);
+
+    // Channel queries ----------------------------------------------------------------------------
+    static int m_execChnlListSqlQuery(TARNO_rstr_uri_query_st* query, void* document, const char* method,
+                                      ConnectionPtr connection);
+    static int m_execChnlInfoSqlQuery(const char* channelId, void* document, const char* method,
+                                      ConnectionPtr connection);
+    static int m_getChnlInfoResults(std::string sql, void* document, ConnectionPtr connection);
+    static int m_checkForChannelInDB(const char* channelId, ConnectionPtr connection);
+
+    /// Whether the method is exactly "GET"; warns when it is not.
+    static bool m_isGet(const char* method);
+
+    // Router -------------------------------------------------------------------------------------
+    struct RestRequest;
+    struct Route;
+    static const Route m_routes[];
+    static int m_answerUnbuilt(const RestRequest& request);
+    static int m_ParseClientCommand(TARNO_rstr_uri_query_st* queryRecord, void* document);
+
+    // State, made in this order when the library is loaded ------------------------------------------
+    static Container::SharedPtr<EpgSQLPluginVexmoor> epgSQLPluginInstance;
+    static Container::SharedPtr<Connection> epgDBConnection;
+    static std::map<std::string, std::string> epgTableList;  ///< template text by table name
+    static Container::Mutex instanceMutex;                   ///< held for the whole of Instance()
+    static Container::Mutex rebuildMutex;                    ///< held for the whole of rebuildDB()
+    static std::atomic<std::uint32_t> lastUpdateTime;        ///< the middleware's seconds; 0 at load
+
+    /// Channels and programmes by row of the antenna table, as seen at the last change. Atomic, since
+    /// two requests may write them at once; the last one wins.
+    static std::atomic<std::int32_t> channelCounts[32];
+    static std::atomic<std::int32_t> programCounts[32];
+};
+
+/// Names fixed at creation.
+namespace GuideTable {
+constexpr const char* source = "masterEPG";
+constexpr const char* name = "myView";
+
+/// Describes the table: it is read, never executed, and names no SELECT on purpose.
+constexpr const char* schemaTemplate =
+    "CREATE VIEW myView AS ChannelId, ChannelNumber, ChannelName, ChannelPath, ServiceType, AntennaType, "
+    "ScrambledFlag, EventId, ProgramName, ProgramStartTime, ProgramEndTime, ScheduleId, ScheduleType, Repeat "
+    "FROM masterEPG;";
+}  // namespace GuideTable

@@ -1,0 +1,162 @@
+// Result rows: the current row of a statement as an object of the document, and pages of rows.
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "Vexmoor/ColumnText.h"
+#include "Vexmoor/EpgSQLPluginVexmoor.h"
+#include "Vexmoor/HeapText.h"
+#include "host/ResponseDocument.h"
+
+namespace {
+
+constexpr int kindSelected = 4;  ///< select kind of columns chosen by the client
+constexpr int dumpedColumns = 8;
+constexpr int defaultItemsMax = 200;
+
+/// The page of one list answer, and how far it has come.
+struct Page {
+    std::int32_t itemsMax = defaultItemsMax;
+    std::int32_t startIndex = 0;
+    std::int32_t emitted = 0;
+    std::int32_t total = 0;
+
+    bool holdsNextRow() const {
+        return total >= startIndex && static_cast<std::int64_t>(startIndex) + itemsMax > total;
+    }
+};
+
+}  // namespace
+
+/// How one list differs from its like.
+struct EpgSQLPluginVexmoor::ListStyle {
+    int keyView;
+    bool writesAllUnpaged;       ///< every row when neither paging text is given
+    int itemsMaxWithStartAlone;  ///< page size when only a start index is given
+    bool logsPagedRows;          ///< "Writing to RDOC\n" for each row written under paging
+    bool logsPaging;             ///< the paging numbers, for each row
+
+    /// Reads the paging texts into `page`. Called for every row, which changes nothing after the first.
+    void readPaging(const std::string& itemsMax, const std::string& startIndex, Page& page) const {
+        if (!itemsMax.empty()) {
+            const int parsed = t_read_int(itemsMax.c_str());
+            if (parsed > 0) page.itemsMax = parsed;
+            if (logsPaging) pluginLogger.debug("ITEMS_MAX : %d (%d)", page.itemsMax, parsed);
+        }
+        if (!startIndex.empty()) {
+            const int parsed = t_read_int(startIndex.c_str());
+            if (parsed >= 0) {
+                page.startIndex = parsed;
+                if (itemsMax.empty()) page.itemsMax = itemsMaxWithStartAlone;
+            }
+            if (logsPaging) pluginLogger.debug("ITEMS_START_IDX : %d (%d)", page.startIndex, parsed);
+        }
+    }
+};
+
+int EpgSQLPluginVexmoor::m_getSqlRowData(sqlite3_stmt* statement, int keyView,
+                                         std::map<std::string, std::string>& row) {
+    if (statement == nullptr) return -1;
+    const int columnCount = sqlite3_data_count(statement);
+    for (int i = 0; i < columnCount; ++i) {
+        const std::string name = sqlite3_column_name(statement, i);
+        const bool isTime = name == "ProgramStartTime" || name == "ProgramEndTime";
+        std::string value =
+            isTime ? std::to_string(sqlite3_column_int(statement, i)) : columnText(statement, i);
+        std::string key;
+        m_convertColNameToUrParam(name, keyView, key);
+        row[key] = std::move(value);
+    }
+    return 0;
+}
+
+int EpgSQLPluginVexmoor::m_output_sql_result(void* object, int keyView, sqlite3_stmt* statement) {
+    if (object == nullptr || statement == nullptr) return -1;
+    std::map<std::string, std::string> row;
+    m_getSqlRowData(statement, keyView, row);
+    for (const auto& [key, value] : row) {
+        if (key == "scrambled") {
+            TARNO_rdoc_add_boolean(object, key.c_str(), value.c_str());
+        } else if (key == "start" || key == "end") {
+            const HeapText time(t_get_ISO8601_from_UNIX(t_read_int(value.c_str())));
+            TARNO_rdoc_add_UTF8(object, key.c_str(), time.get());
+        } else {
+            TARNO_rdoc_add_UTF8(object, key.c_str(), value.c_str());
+        }
+    }
+    return 0;
+}
+
+int EpgSQLPluginVexmoor::m_printSqlRowData(Statement& statement) {
+    const char* texts[dumpedColumns];
+    for (int i = 0; i < dumpedColumns; ++i)
+        texts[i] = columnText(statement.handle(), i);
+    if (!pluginLogger.isTraceEnabled()) return 0;
+    std::string line = texts[0];
+    for (int i = 1; i < dumpedColumns; ++i)
+        line.append(", ").append(texts[i]);
+    pluginLogger.trace("%s\n", line);
+    return 0;
+}
+
+int EpgSQLPluginVexmoor::m_getListResults(const ListStyle& style, const std::string& sql, void* document,
+                                          const std::string& itemsMax, const std::string& startIndex,
+                                          int selectKind, ConnectionPtr connection) {
+    Statement statement;
+    statement.setConnection(connection);
+    pluginLogger.trace("EPG Database handle: %d\n",
+                       static_cast<int>(reinterpret_cast<std::intptr_t>(connection->handle())));
+    pluginLogger.trace("SQL query set as: %s", sql);
+    statement.setSql(sql);
+    statement.compile();
+
+    void* items = TARNO_rdoc_create_object(document);
+    if (items == nullptr) return -1;
+    TARNO_rdoc_add_object(document, "items", items);
+
+    const bool writesAll = style.writesAllUnpaged && itemsMax.empty() && startIndex.empty();
+    Page page;
+    for (; sqlite3_step(statement.handle()) == SQLITE_ROW; ++page.total) {
+        style.readPaging(itemsMax, startIndex, page);
+        if (!writesAll && !page.holdsNextRow()) continue;
+        if (!writesAll && style.logsPagedRows) pluginLogger.debug("Writing to RDOC\n");
+        void* row = TARNO_rdoc_create_object(document);
+        if (row == nullptr) return -1;
+        TARNO_rdoc_add_object(items, nullptr, row);
+        m_output_sql_result(row, style.keyView, statement.handle());
+        if (selectKind != kindSelected) {
+            TARNO_rdoc_add_UTF8(row, "thumb_uri", placeholderUrl);
+            TARNO_rdoc_add_UTF8(row, "category", "TBD");
+        }
+        ++page.emitted;
+    }
+
+    if (page.total != 0) {
+        TARNO_rdoc_add_integer(document, "items_start_index", page.startIndex);
+        TARNO_rdoc_add_integer(document, "items_count", page.emitted);
+        TARNO_rdoc_add_integer(document, "items_total", page.total);
+    }
+    statement.close();
+    return page.total == 0 ? 204 : 200;
+}
+
+int EpgSQLPluginVexmoor::m_getChnlListResults(std::string sql, void* document, std::string itemsMax,
+                                              std::string startIndex, int selectKind,
+                                              ConnectionPtr connection) {
+    constexpr ListStyle style = {1, true, 1000, true, false};
+    return m_getListResults(style, sql, document, itemsMax, startIndex, selectKind, connection);
+}
+
+int EpgSQLPluginVexmoor::m_getPrgmListForChnlResults(std::string sql, void* document, std::string itemsMax,
+                                                     std::string startIndex, int selectKind,
+                                                     ConnectionPtr connection) {
+    constexpr ListStyle style = {2, false, defaultItemsMax, false, true};
+    return m_getListResults(style, sql, document, itemsMax, startIndex, selectKind, connection);
+}
+
+int EpgSQLPluginVexmoor::m_getPrgmListResults(std::string sql, void* document, std::string itemsMax,
+                                              std::string startIndex, int selectKind,
+                                              ConnectionPtr connection) {
+    constexpr ListStyle style = {2, false, defaultItemsMax, false, false};
+    return m_getListResults(style, sql, document, itemsMax, startIndex, selectKind, connection);
+}
