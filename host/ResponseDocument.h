@@ -35,7 +35,7 @@ HOST_API void TARNO_rdoc_add_boolean(void* object, const char* key, const char* 
 
 /// Prints the document as TARNO_RDOC_XML or TARNO_RDOC_JSON. Answers 0 and hands out a text with its
 /// length in bytes, which the caller releases with free; any other answer is a failure, which hands
-/// out nothing. `option` is 1.
+/// out nothing: another format, no memory, or a member lost earlier for want of room. `option` is 1.
 HOST_API int TARNO_rdoc_print_opt(void* document, int format, char** text, int* length, int option);
 
 /// Frees the document and every object made against it; null is accepted.

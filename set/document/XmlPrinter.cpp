@@ -24,18 +24,25 @@ struct FreeWriter {
 };
 using WriterPtr = std::unique_ptr<xmlTextWriter, FreeWriter>;
 
-/// libxml2 calls this with finished output; an exception must not pass through it.
-int writeToBuffer(void* buffer, const char* text, int length) noexcept {
+/// Where libxml2 writes to. No exception may pass through libxml2, and it reports a failed write on
+/// standard error: so a buffer that cannot grow is noted here.
+struct Sink {
+    PrintBuffer& out;
+    bool failed = false;
+};
+
+int writeToSink(void* context, const char* text, int length) noexcept {
+    auto& sink = *static_cast<Sink*>(context);
     try {
-        static_cast<PrintBuffer*>(buffer)->append({text, static_cast<std::size_t>(length)});
-        return length;
+        if (!sink.failed) sink.out.append({text, static_cast<std::size_t>(length)});
     } catch (const std::bad_alloc&) {
-        return -1;
+        sink.failed = true;
     }
+    return length;
 }
 
-WriterPtr makeWriter(PrintBuffer& out) {
-    xmlOutputBufferPtr output = xmlOutputBufferCreateIO(writeToBuffer, nullptr, &out, nullptr);
+WriterPtr makeWriter(Sink& sink) {
+    xmlOutputBufferPtr output = xmlOutputBufferCreateIO(writeToSink, nullptr, &sink, nullptr);
     if (output == nullptr) throw std::bad_alloc();
     WriterPtr writer(xmlNewTextWriter(output));
     if (writer == nullptr) {
@@ -45,14 +52,9 @@ WriterPtr makeWriter(PrintBuffer& out) {
     return writer;
 }
 
-/// What the writer is given is always well formed, so all that can fail is memory.
-void check(int written) {
-    if (written < 0) throw std::bad_alloc();
-}
-
 class XmlPrinter {
 public:
-    explicit XmlPrinter(PrintBuffer& out) : writer_(makeWriter(out)) {
+    explicit XmlPrinter(PrintBuffer& out) : sink_{out}, writer_(makeWriter(sink_)) {
         // Written raw: the writer's own declaration of an encoding makes it convert every byte to it.
         check(xmlTextWriterWriteRaw(writer_.get(), xmlText("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n")));
     }
@@ -111,6 +113,12 @@ private:
         writeText(digits);
     }
 
+    /// What the writer is given is always well formed, so all that can fail is memory.
+    void check(int written) const {
+        if (written < 0 || sink_.failed) throw std::bad_alloc();
+    }
+
+    Sink sink_;  // outlives the writer, which flushes when it is freed
     WriterPtr writer_;
 };
 
