@@ -88,6 +88,7 @@ std::shared_ptr<const CCSortedList::Source> programmesWithin(std::shared_ptr<con
     if (start <= 0 && duration >= wholeDuration && !programmes.empty()) {
         return std::make_shared<ProgrammeSource>(std::move(guide), programmes);
     }
+    if (duration <= 0) return nullptr;
     constexpr long long never = std::numeric_limits<long long>::max();
     const long long end = start > 0 && duration > never - start ? never : start + duration;
     std::vector<std::uint32_t> places = placesWithin(programmes, start, end);
