@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "set/guide/Guide.h"
@@ -26,6 +27,11 @@ public:
         std::string_view synopsis;
         std::string_view series;
     };
+
+    GuideBuilder() = default;
+
+    /// A builder that goes on with the texts of a pool: texts that are in it already are not copied again.
+    explicit GuideBuilder(TextPool texts) : texts_(std::move(texts)) {}
 
     /// Adds a channel and answers its handle for addProgramme; the programme fields are ignored.
     std::size_t addChannel(Channel channel);

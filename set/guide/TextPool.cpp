@@ -26,6 +26,13 @@ TextPool::Blocks TextPool::takeBlocks() {
     return std::exchange(blocks_, {});
 }
 
+void TextPool::swap(TextPool& other) noexcept {
+    std::swap(blocks_, other.blocks_);
+    std::swap(known_, other.known_);
+    std::swap(next_, other.next_);
+    std::swap(free_, other.free_);
+}
+
 char* TextPool::room(std::size_t bytes) {
     if (bytes > kBlockBytes / 4) {  // a block of its own, so that no shared one is left half empty
         return blocks_.emplace_back(std::make_unique_for_overwrite<char[]>(bytes)).get();

@@ -12,6 +12,14 @@ namespace epgset {
 /// Keeps texts in a few large blocks, each text once however often it is added. One owner, no lock.
 class TextPool {
 public:
+    TextPool() = default;
+    TextPool(TextPool&& other) noexcept { swap(other); }
+    TextPool& operator=(TextPool&& other) noexcept {
+        swap(other);
+        return *this;
+    }
+    ~TextPool() = default;
+
     using Blocks = std::vector<std::unique_ptr<char[]>>;
 
     /// The stored copy of `text`. It lives as long as the pool, or as the blocks that takeBlocks()
@@ -22,6 +30,7 @@ public:
     Blocks takeBlocks();
 
 private:
+    void swap(TextPool& other) noexcept;
     char* room(std::size_t bytes);
 
     Blocks blocks_;

@@ -1,0 +1,84 @@
+// What the guide files hold, put together.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "set/guide/TextPool.h"
+#include "set/guide/XmltvReader.h"
+
+namespace epgset {
+
+/// Which part of a clump a programme is: 0 of 1 where it is in none.
+struct ClumpPart {
+    std::uint16_t index = 0;
+    std::uint16_t count = 1;
+
+    bool operator==(const ClumpPart&) const = default;
+};
+
+/// Reads "INDEX/COUNT"; 0 of 1 for another form.
+ClumpPart readClumpPart(std::string_view text);
+
+/// A channel that the guides define or name.
+struct CollectedChannel {
+    std::string id;
+    bool defined = false;  ///< it has a <channel>; else programmes name it
+    std::vector<std::string> displayNames;
+    std::string lcn;
+};
+
+/// A programme with a readable start. The texts live in the collector's pool.
+struct CollectedProgramme {
+    std::uint32_t channel = 0;  ///< index of a CollectedChannel
+    std::uint32_t guide = 0;    ///< index of the guide that holds it
+    std::uint32_t start = 0;
+    std::optional<std::uint32_t> stop;
+    ClumpPart clump;
+    bool inSeries = false;
+    std::string_view title;
+    std::string_view synopsis;
+};
+
+/// What of a guide could not be used.
+struct SkippedCounts {
+    std::size_t channelsWithoutId = 0;
+    std::size_t unknownChannel = 0;
+    std::size_t withoutStart = 0;
+    std::size_t endBeforeStart = 0;
+
+    std::size_t programmes() const { return unknownChannel + withoutStart + endBeforeStart; }
+};
+
+/// Takes what is read of several guides, one after the other. The first guide that defines a channel
+/// describes it; programmes count whichever guide they stand in.
+class GuideCollector : public XmltvSink {
+public:
+    /// Begins with another guide.
+    void startGuide() { skipped_.emplace_back(); }
+
+    void channel(const XmltvChannel& channel) override;
+    void programme(const XmltvProgramme& programme) override;
+
+    /// Channels in the order in which they were first met.
+    std::vector<CollectedChannel> channels;
+    /// Programmes in the order of the guides and in them of the files.
+    std::vector<CollectedProgramme> programmes;
+    TextPool texts;
+
+    /// By guide.
+    std::vector<SkippedCounts>& skipped() { return skipped_; }
+
+private:
+    std::uint32_t channelIndex(const std::string& id);
+
+    std::unordered_map<std::string, std::uint32_t> indexOfId_;
+    std::vector<SkippedCounts> skipped_;
+};
+
+}  // namespace epgset

@@ -1,0 +1,40 @@
+// From guide files and a line-up to the guide cache.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "set/guide/EventIds.h"
+#include "set/guide/Guide.h"
+
+namespace epgset {
+
+/// What a guide is made from.
+struct GuideSources {
+    std::vector<std::filesystem::path> guides;    ///< XMLTV, plain or compressed with gzip
+    std::optional<std::filesystem::path> lineup;  ///< TOML
+    std::size_t maxProgrammes = 90000;            ///< 0: no bound of any kind but that of the event ids
+    std::int64_t now = 0;                         ///< the set's clock, UNIX seconds
+};
+
+/// A guide, and what became of its sources.
+struct LoadedGuide {
+    std::shared_ptr<const Guide> guide;
+    std::size_t programmesSkipped = 0;  ///< of unknown channels, without a readable start, ending before it
+    double seconds = 0;                 ///< that loading took
+    /// UNIX time at which the plug-in's table, filled as time goes by, would no longer hold what comes near;
+    /// loading again before then leaves out what is needed. Nothing: the table holds it all.
+    std::optional<std::int64_t> fitsUntil;
+};
+
+/// Reads the line-up and the guides. What can be lived with is logged as a warning: one a guide for what of
+/// it was skipped, and one for what the bounds dropped. Throws GuideError for a file that cannot be used;
+/// `ids` is as it was then. The ids that it gives out are not saved: the caller does so when the guide is in
+/// use.
+LoadedGuide loadGuide(const GuideSources& sources, EventIds& ids);
+
+}  // namespace epgset
