@@ -18,7 +18,8 @@ public:
 
     /// Opens the database of that name (":memory:" for one in memory) and answers whether it did;
     /// what failed is logged. The connection gets the function SEARCH_SCORE(column, text), and its
-    /// statements are held inside the database: no other file is reached, no limit is changed.
+    /// statements are held inside the database: no other file is reached, no limit is changed. A
+    /// connection opens once: a second call is a failure and leaves the open database in use.
     bool open(const std::string& name);
 
     /// The SQLite handle, owned by the connection; null when nothing is open.

@@ -1,0 +1,70 @@
+#include "set/database/OpenConnections.h"
+
+#include <mutex>
+#include <vector>
+
+#include "host/Logger.h"
+
+namespace epgset {
+namespace {
+
+const Container::Logger logger = Container::Logger::logger("set/database");
+
+/// Never destroyed: a plug-in's static connection may close after the statics of this library.
+struct OpenConnections {
+    std::mutex mutex;
+    std::vector<sqlite3*> databases;
+};
+
+OpenConnections& openConnections() {
+    static OpenConnections* const connections = new OpenConnections;
+    return *connections;
+}
+
+}  // namespace
+
+void addOpenConnection(sqlite3* database) {
+    OpenConnections& connections = openConnections();
+    const std::lock_guard lock(connections.mutex);
+    connections.databases.push_back(database);
+}
+
+void removeOpenConnection(sqlite3* database) {
+    OpenConnections& connections = openConnections();
+    const std::lock_guard lock(connections.mutex);
+    std::erase(connections.databases, database);
+}
+
+std::size_t rollBackOpenTransactions() {
+    OpenConnections& connections = openConnections();
+    const std::lock_guard lock(connections.mutex);
+    std::size_t count = 0;
+    for (sqlite3* database : connections.databases) {
+        if (sqlite3_get_autocommit(database) != 0) continue;
+        ++count;
+        if (sqlite3_exec(database, "ROLLBACK", nullptr, nullptr, nullptr) == SQLITE_OK) {
+            logger.warning("Rolled back a transaction that a request left open");
+        } else {
+            logger.error("Cannot roll back a transaction that a request left open: %s",
+                         sqlite3_errmsg(database));
+        }
+    }
+    return count;
+}
+
+std::size_t openStatementCount() {
+    OpenConnections& connections = openConnections();
+    const std::lock_guard lock(connections.mutex);
+    std::size_t count = 0;
+    for (sqlite3* database : connections.databases) {
+        sqlite3_mutex* const mutex = sqlite3_db_mutex(database);
+        sqlite3_mutex_enter(mutex);
+        for (sqlite3_stmt* statement = sqlite3_next_stmt(database, nullptr); statement;
+             statement = sqlite3_next_stmt(database, statement))
+            ++count;
+        sqlite3_mutex_leave(mutex);
+    }
+    return count;
+}
+
+}  // namespace epgset
