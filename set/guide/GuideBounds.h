@@ -28,8 +28,8 @@ struct BoundedGuide {
 
 /// Leaves out what is more than the bounds allow: first programmes that have ended, the oldest first, then
 /// those that start last. For the table only programmes count that the plug-in would put into it now: those
-/// that start within the next seven days or earlier. `channels` are in the guide's order; `programmes` are
-/// by channel and start and stay so, `channel` an index into `channels`.
+/// that start within the next seven days, and a day more, or earlier. `channels` are in the guide's order;
+/// `programmes` are by channel and start and stay so, `channel` an index into `channels`.
 BoundedGuide applyBounds(std::vector<ScheduledProgramme>& programmes, const std::vector<Channel>& channels,
                          const GuideBounds& bounds);
 

@@ -17,8 +17,9 @@ ClumpPart readClumpPart(std::string_view text) {
 }
 
 void GuideCollector::channel(const XmltvChannel& channel) {
+    ++counts_.back().records;
     if (channel.id.empty()) {
-        ++skipped_.back().channelsWithoutId;
+        ++counts_.back().channelsWithoutId;
         return;
     }
     CollectedChannel& known = channels[channelIndex(channel.id)];
@@ -29,20 +30,21 @@ void GuideCollector::channel(const XmltvChannel& channel) {
 }
 
 void GuideCollector::programme(const XmltvProgramme& programme) {
-    SkippedCounts& skipped = skipped_.back();
+    GuideCounts& counts = counts_.back();
+    ++counts.records;
     const auto start = readXmltvTime(programme.start);
     const auto stop = readXmltvTime(programme.stop);
     if (!start) {
-        ++skipped.withoutStart;
+        ++counts.withoutStart;
         return;
     }
     if (stop && *stop < *start) {
-        ++skipped.endBeforeStart;
+        ++counts.endingBeforeStart;
         return;
     }
     CollectedProgramme& added = programmes.emplace_back();
     added.channel = channelIndex(programme.channel);
-    added.guide = static_cast<std::uint32_t>(skipped_.size() - 1);
+    added.guide = static_cast<std::uint32_t>(counts_.size() - 1);
     added.start = *start;
     added.stop = stop;
     added.clump = readClumpPart(programme.clumpidx);

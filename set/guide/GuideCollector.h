@@ -45,14 +45,15 @@ struct CollectedProgramme {
     std::string_view synopsis;
 };
 
-/// What of a guide could not be used.
-struct SkippedCounts {
+/// How much a guide holds, and what of it could not be used.
+struct GuideCounts {
+    std::size_t records = 0;  ///< channels and programmes
     std::size_t channelsWithoutId = 0;
-    std::size_t unknownChannel = 0;
+    std::size_t ofUnknownChannel = 0;
     std::size_t withoutStart = 0;
-    std::size_t endBeforeStart = 0;
+    std::size_t endingBeforeStart = 0;
 
-    std::size_t programmes() const { return unknownChannel + withoutStart + endBeforeStart; }
+    std::size_t skippedProgrammes() const { return ofUnknownChannel + withoutStart + endingBeforeStart; }
 };
 
 /// Takes what is read of several guides, one after the other. The first guide that defines a channel
@@ -60,7 +61,7 @@ struct SkippedCounts {
 class GuideCollector : public XmltvSink {
 public:
     /// Begins with another guide.
-    void startGuide() { skipped_.emplace_back(); }
+    void startGuide() { counts_.emplace_back(); }
 
     void channel(const XmltvChannel& channel) override;
     void programme(const XmltvProgramme& programme) override;
@@ -72,13 +73,13 @@ public:
     TextPool texts;
 
     /// By guide.
-    std::vector<SkippedCounts>& skipped() { return skipped_; }
+    std::vector<GuideCounts>& counts() { return counts_; }
 
 private:
     std::uint32_t channelIndex(const std::string& id);
 
     std::unordered_map<std::string, std::uint32_t> indexOfId_;
-    std::vector<SkippedCounts> skipped_;
+    std::vector<GuideCounts> counts_;
 };
 
 }  // namespace epgset

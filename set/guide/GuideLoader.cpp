@@ -31,13 +31,8 @@ const Container::Logger& log() {
 
 void readGuides(const std::vector<std::filesystem::path>& guides, GuideCollector& collector) {
     for (const std::filesystem::path& guide : guides) {
-        const std::size_t channelsBefore = collector.channels.size();
-        const std::size_t programmesBefore = collector.programmes.size();
         collector.startGuide();
         readXmltv(guide, collector);
-        if (collector.channels.size() == channelsBefore && collector.programmes.size() == programmesBefore) {
-            log().warning("%s: the guide adds no channel and no programme", guide.string());
-        }
     }
 }
 
@@ -45,21 +40,23 @@ void readGuides(const std::vector<std::filesystem::path>& guides, GuideCollector
 void placeProgrammes(GuideCollector& collector, const ChannelList& list) {
     std::erase_if(collector.programmes, [&](CollectedProgramme& programme) {
         const ChannelList::Place place = list.places[programme.channel];
-        if (place.fate == ChannelList::Fate::Unknown) ++collector.skipped()[programme.guide].unknownChannel;
+        if (place.fate == ChannelList::Fate::Unknown) ++collector.counts()[programme.guide].ofUnknownChannel;
         if (place.fate != ChannelList::Fate::Shown) return true;
         programme.channel = static_cast<std::uint32_t>(place.index);
         return false;
     });
 }
 
-void warnOfSkipped(const std::filesystem::path& guide, const SkippedCounts& counts) {
+void warnOfGuide(const std::filesystem::path& guide, const GuideCounts& counts) {
+    if (counts.records == 0) log().warning("%s: the guide has no channel and no programme", guide.string());
     std::string message;
-    if (counts.programmes() > 0) {
+    if (counts.skippedProgrammes() > 0) {
         message = fmt::format(
             "skipped {} programmes: {} of unknown channels, {} without a readable start, {} that end before "
             "they "
             "start",
-            counts.programmes(), counts.unknownChannel, counts.withoutStart, counts.endBeforeStart);
+            counts.skippedProgrammes(), counts.ofUnknownChannel, counts.withoutStart,
+            counts.endingBeforeStart);
     }
     if (counts.channelsWithoutId > 0) {
         message += fmt::format("{}skipped {} channels without an id", message.empty() ? "" : "; ",
@@ -136,8 +133,8 @@ LoadedGuide loadGuide(const GuideSources& sources, EventIds& ids) {
     LoadedGuide loaded;
     warnOfChannels(sources, list);
     for (std::size_t index = 0; index < sources.guides.size(); ++index) {
-        warnOfSkipped(sources.guides[index], collector.skipped()[index]);
-        loaded.programmesSkipped += collector.skipped()[index].programmes();
+        warnOfGuide(sources.guides[index], collector.counts()[index]);
+        loaded.programmesSkipped += collector.counts()[index].skippedProgrammes();
     }
     if (bounded.dropped > 0) {
         log().warning("%d programmes are left out: the guide cache and the plug-in's table hold no more",

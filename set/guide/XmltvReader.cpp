@@ -27,6 +27,7 @@ std::string_view view(const xmlChar* text) {
 
 /// The first error that the library reports of a document.
 struct FirstError {
+    int code = 0;
     int line = 0;
     std::string message;
 };
@@ -36,6 +37,7 @@ template <typename Error>
 void keepFirstError(void* context, Error error) {
     auto& first = *static_cast<FirstError*>(context);
     if (error->level < XML_ERR_ERROR || !first.message.empty()) return;
+    first.code = error->code;
     first.line = error->line;
     first.message = error->message == nullptr ? "not well-formed" : withCollapsedSpace(error->message);
 }
@@ -196,6 +198,10 @@ void readXmltv(const std::filesystem::path& path, XmltvSink& sink) {
     if (error.line == 0) error.line = xmlTextReaderGetParserLineNumber(reader.get());
     if (!file.failure().empty()) throw GuideError(file.name(), error.line, file.failure());
     if (error.message.empty()) error.message = "not well-formed";
+    // The library tells a document that is cut off from one that goes on behind its end by neither code nor
+    // text.
+    if (error.code == XML_ERR_DOCUMENT_END)
+        error.message = "it ends too early or goes on behind its root element";
     throw GuideError(file.name(), error.line, "not a well-formed XML document: " + error.message);
 }
 
