@@ -85,7 +85,7 @@ std::vector<std::uint32_t> placesWithin(std::span<const Programme> programmes, l
 std::shared_ptr<const CCSortedList::Source> programmesWithin(std::shared_ptr<const Guide> guide,
                                                              std::span<const Programme> programmes,
                                                              long long start, long long duration) {
-    if (start <= 0 && duration >= wholeDuration && !programmes.empty()) {
+    if (start == 0 && duration >= wholeDuration && !programmes.empty()) {
         return std::make_shared<ProgrammeSource>(std::move(guide), programmes);
     }
     if (duration <= 0) return nullptr;

@@ -217,6 +217,7 @@ TEST(GuideTelevision, ReckonsSpansIn64Bits) {
     EXPECT_THAT(startsOf(channel, most, most), IsEmpty());
     EXPECT_THAT(startsOf(channel, 0, most), ElementsAre(0, 3600, 7200));
     EXPECT_THAT(startsOf(channel, least, 5), IsEmpty());
+    EXPECT_THAT(startsOf(channel, -whole - 5, whole), IsEmpty());
     EXPECT_THAT(startsOf(channel, least, least), IsEmpty());
     EXPECT_THAT(startsOf(channel, -100, 200), ElementsAre(0));
 }
