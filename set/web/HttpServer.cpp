@@ -1,0 +1,251 @@
+#include "set/web/HttpServer.h"
+
+#include <microhttpd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <thread>
+
+#include "host/Logger.h"
+#include "set/web/Exchange.h"
+#include "set/web/TaskQueue.h"
+
+namespace epgset {
+namespace {
+
+/// Threads that move bytes; the requests themselves are answered elsewhere.
+constexpr unsigned connectionThreads = 2;
+
+/// How long the answers of the last requests may take to be sent when the server stops.
+constexpr std::chrono::seconds farewell{1};
+
+const Container::Logger& serverLogger() {
+    static const Container::Logger logger = Container::Logger::logger("set/web");
+    return logger;
+}
+
+__attribute__((format(printf, 2, 0))) void logLibraryMessage(void*, const char* format, va_list arguments) {
+    char text[512];
+    std::vsnprintf(text, sizeof text, format, arguments);
+    serverLogger().debug("%s", text);
+}
+
+/// Leaves escapes as they are: whoever reads the path decodes it, once.
+std::size_t keepEscapes(void*, MHD_Connection*, char* text) {
+    return std::strlen(text);
+}
+
+MHD_Result collectHeader(void* headers, MHD_ValueKind, const char* name, const char* value) {
+    try {
+        static_cast<WebHeaders*>(headers)->emplace_back(name, value == nullptr ? "" : value);
+        return MHD_YES;
+    } catch (...) {
+        return MHD_NO;
+    }
+}
+
+bool mayHaveBody(int status) {
+    return status >= 200 && status != 204 && status != 304;
+}
+
+struct DestroyResponse {
+    void operator()(MHD_Response* response) const { MHD_destroy_response(response); }
+};
+using LibraryResponse = std::unique_ptr<MHD_Response, DestroyResponse>;
+
+/// The library's form of a response, which takes the body over.
+LibraryResponse makeLibraryResponse(WebResponse& response) {
+    if (!mayHaveBody(response.status)) response.body.clear();
+    auto body = std::make_unique<std::string>(std::move(response.body));
+    LibraryResponse made(MHD_create_response_from_buffer_with_free_callback_cls(
+        body->size(), body->data(), [](void* text) { delete static_cast<std::string*>(text); }, body.get()));
+    if (!made) return nullptr;
+    static_cast<void>(body.release());
+    for (const auto& [name, value] : response.headers) {
+        if (MHD_add_response_header(made.get(), name.c_str(), value.c_str()) != MHD_YES) {
+            serverLogger().warning("a response header cannot be sent: %s: %s", name, value);
+        }
+    }
+    return made;
+}
+
+}  // namespace
+
+/// The library's daemon and what its callbacks need.
+class HttpServer::Connections {
+public:
+    Connections(ListenSocket socket, WebHandler& handler, const Limits& limits);
+    ~Connections();
+    Connections(const Connections&) = delete;
+    Connections& operator=(const Connections&) = delete;
+
+private:
+    static void* startExchange(void* self, const char* target, MHD_Connection* connection);
+    static MHD_Result continueExchange(void* self, MHD_Connection* connection, const char* path,
+                                       const char* method, const char* version, const char* bytes,
+                                       std::size_t* count, void** exchange);
+    static void endExchange(void* self, MHD_Connection* connection, void** exchange,
+                            MHD_RequestTerminationCode reason);
+
+    MHD_Result receive(MHD_Connection* connection, Exchange& exchange, const char* method,
+                       std::string_view bytes);
+    MHD_Result receiveBody(Exchange& exchange, std::string_view bytes) const;
+    bool leavesBodyUnread(const Exchange& exchange) const;
+    MHD_Result answer(MHD_Connection* connection, Exchange& exchange);
+    void answerInTurn(MHD_Connection* connection, Exchange& exchange);
+    MHD_Result reply(MHD_Connection* connection, Exchange& exchange, WebResponse response);
+    MHD_Result send(MHD_Connection* connection, Exchange& exchange);
+
+    WebHandler& handler_;
+    const Limits limits_;
+    std::atomic<bool> stopping_ = false;
+    std::atomic<int> unsent_ = 0;  ///< answers that have not been sent to their end
+    TaskQueue queue_;
+    MHD_Daemon* daemon_ = nullptr;
+};
+
+HttpServer::Connections::Connections(ListenSocket socket, WebHandler& handler, const Limits& limits)
+    : handler_(handler), limits_(limits) {
+    constexpr unsigned flags = MHD_USE_EPOLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG;
+    daemon_ = MHD_start_daemon(flags, 0, nullptr, nullptr, &continueExchange, this,                        //
+                               MHD_OPTION_EXTERNAL_LOGGER, &logLibraryMessage, nullptr,                    //
+                               MHD_OPTION_LISTEN_SOCKET, socket.descriptor(),                              //
+                               MHD_OPTION_THREAD_POOL_SIZE, connectionThreads,                             //
+                               MHD_OPTION_CONNECTION_LIMIT, limits.connections,                            //
+                               MHD_OPTION_PER_IP_CONNECTION_LIMIT, limits.connectionsPerAddress,           //
+                               MHD_OPTION_CONNECTION_TIMEOUT, static_cast<unsigned>(limits.idle.count()),  //
+                               MHD_OPTION_CONNECTION_MEMORY_LIMIT, std::size_t{64} << 10U,                 //
+                               MHD_OPTION_UNESCAPE_CALLBACK, &keepEscapes, nullptr,                        //
+                               MHD_OPTION_URI_LOG_CALLBACK, &startExchange, this,                          //
+                               MHD_OPTION_NOTIFY_COMPLETED, &endExchange, this,                            //
+                               MHD_OPTION_END);
+    if (daemon_ == nullptr) throw ListenError("the HTTP server cannot be started");
+    socket.release();  // the daemon closes it
+}
+
+HttpServer::Connections::~Connections() {
+    stopping_ = true;
+    queue_.close();
+    const auto deadline = Exchange::Clock::now() + farewell;
+    while (unsent_ > 0 && Exchange::Clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    MHD_stop_daemon(daemon_);
+}
+
+void* HttpServer::Connections::startExchange(void*, const char* target, MHD_Connection*) {
+    try {
+        return new Exchange(target);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+MHD_Result HttpServer::Connections::continueExchange(void* self, MHD_Connection* connection, const char*,
+                                                     const char* method, const char*, const char* bytes,
+                                                     std::size_t* count, void** exchange) {
+    if (*exchange == nullptr) return MHD_NO;
+    try {
+        const std::string_view piece(bytes, bytes == nullptr ? 0 : *count);
+        *count = 0;
+        return static_cast<Connections*>(self)->receive(connection, *static_cast<Exchange*>(*exchange),
+                                                        method, piece);
+    } catch (const std::exception& error) {
+        serverLogger().error("a request cannot be answered: %s", error.what());
+    } catch (...) {
+        serverLogger().error("a request cannot be answered");
+    }
+    return MHD_NO;
+}
+
+void HttpServer::Connections::endExchange(void* self, MHD_Connection*, void** exchange,
+                                          MHD_RequestTerminationCode) {
+    const std::unique_ptr<Exchange> ended(static_cast<Exchange*>(*exchange));
+    *exchange = nullptr;
+    if (ended && ended->response) --static_cast<Connections*>(self)->unsent_;
+}
+
+MHD_Result HttpServer::Connections::receive(MHD_Connection* connection, Exchange& exchange,
+                                            const char* method, std::string_view bytes) {
+    if (exchange.response) return send(connection, exchange);
+    if (!exchange.begun()) {
+        WebHeaders headers;
+        MHD_get_connection_values(connection, MHD_HEADER_KIND, &collectHeader, &headers);
+        exchange.begin(method, std::move(headers));
+        if (exchange.codingIsUnknown()) {
+            return reply(connection, exchange, textResponse(501, "a body may only be coded in chunks"));
+        }
+        return leavesBodyUnread(exchange) ? answer(connection, exchange) : MHD_YES;
+    }
+    if (!bytes.empty()) return receiveBody(exchange, bytes);
+    return answer(connection, exchange);
+}
+
+MHD_Result HttpServer::Connections::receiveBody(Exchange& exchange, std::string_view bytes) const {
+    exchange.receive(bytes);
+    const bool tooMuch = exchange.received() > limits_.discard;
+    const bool tooSlow = Exchange::Clock::now() - exchange.started() > limits_.body;
+    return tooMuch || tooSlow ? MHD_NO : MHD_YES;
+}
+
+bool HttpServer::Connections::leavesBodyUnread(const Exchange& exchange) const {
+    const std::uint64_t stated = exchange.statedLength().value_or(0);
+    return stated > maximumRequestBody && (exchange.clientWaits() || stated > limits_.discard);
+}
+
+MHD_Result HttpServer::Connections::answer(MHD_Connection* connection, Exchange& exchange) {
+    const WebRequest& request = exchange.finish();
+    try {
+        if (auto response = handler_.answerAtOnce(request)) {
+            return reply(connection, exchange, std::move(*response));
+        }
+    } catch (const std::exception& error) {
+        serverLogger().error("%s %s: %s", request.method, request.path, error.what());
+        return reply(connection, exchange, textResponse(500, "internal error"));
+    }
+    MHD_suspend_connection(connection);
+    const bool taken = queue_.post([this, connection, &exchange] { answerInTurn(connection, exchange); });
+    if (!taken) answerInTurn(connection, exchange);
+    return MHD_YES;
+}
+
+void HttpServer::Connections::answerInTurn(MHD_Connection* connection, Exchange& exchange) {
+    ++unsent_;
+    const WebRequest& request = exchange.request();
+    try {
+        exchange.response =
+            stopping_ ? textResponse(503, "the set is stopping") : handler_.answerInTurn(request);
+    } catch (const std::exception& error) {
+        serverLogger().error("%s %s: %s", request.method, request.path, error.what());
+        exchange.response = textResponse(500, "internal error");
+    }
+    MHD_resume_connection(connection);
+}
+
+MHD_Result HttpServer::Connections::reply(MHD_Connection* connection, Exchange& exchange,
+                                          WebResponse response) {
+    exchange.response = std::move(response);
+    ++unsent_;
+    return send(connection, exchange);
+}
+
+MHD_Result HttpServer::Connections::send(MHD_Connection* connection, Exchange& exchange) {
+    const int status = exchange.response->status;
+    const LibraryResponse response = makeLibraryResponse(*exchange.response);
+    if (!response) return MHD_NO;
+    return MHD_queue_response(connection, static_cast<unsigned>(status), response.get());
+}
+
+HttpServer::HttpServer(ListenSocket socket, WebHandler& handler, const Limits& limits)
+    : connections_(std::make_unique<Connections>(std::move(socket), handler, limits)) {}
+
+HttpServer::HttpServer(ListenSocket socket, WebHandler& handler)
+    : HttpServer(std::move(socket), handler, Limits()) {}
+
+HttpServer::~HttpServer() = default;
+
+}  // namespace epgset

@@ -1,0 +1,43 @@
+// The HTTP server.
+#pragma once
+
+#include <chrono>
+#include <memory>
+
+#include "set/web/ListenSocket.h"
+#include "set/web/WebHandler.h"
+
+namespace epgset {
+
+/// Serves HTTP on a socket, with a few threads of its own for the connections and one for the requests
+/// that are answered in turn. It reads each request whole before it is handed over.
+///
+/// A body is kept up to maximumRequestBody. A longer one is read and thrown away, up to Limits::discard
+/// bytes, so that the client gets to read its answer; when it states a length beyond that, or waits to be
+/// told to go on, it is answered unread. A body of unknown length that goes on beyond it ends the
+/// connection.
+class HttpServer {
+public:
+    struct Limits {
+        unsigned connections = 256;            ///< open at a time
+        unsigned connectionsPerAddress = 128;  ///< of them from one client address
+        std::chrono::seconds idle{30};         ///< a connection that is silent for so long is closed
+        std::chrono::seconds body{60};         ///< a body that takes longer ends its connection
+        std::uint64_t discard = 16ULL << 20U;  ///< how much of a body that is too long is read, in bytes
+    };
+
+    /// Starts serving. The handler must outlive the server. Throws ListenError.
+    HttpServer(ListenSocket socket, WebHandler& handler, const Limits& limits);
+    HttpServer(ListenSocket socket, WebHandler& handler);
+
+    /// Ends the request that is being answered and answers those that wait 503, then closes everything.
+    ~HttpServer();
+    HttpServer(const HttpServer&) = delete;
+    HttpServer& operator=(const HttpServer&) = delete;
+
+private:
+    class Connections;
+    std::unique_ptr<Connections> connections_;
+};
+
+}  // namespace epgset

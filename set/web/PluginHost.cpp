@@ -1,0 +1,61 @@
+#include "set/web/PluginHost.h"
+
+#include <exception>
+
+#include "host/Logger.h"
+#include "set/database/DatabaseRequest.h"
+#include "set/web/PluginExchange.h"
+
+namespace epgset {
+namespace {
+
+const Container::Logger& hostLogger() {
+    static const Container::Logger logger = Container::Logger::logger("set/web");
+    return logger;
+}
+
+/// Runs a call into the plug-in as one database request; false when an exception came out of it, which
+/// is logged under the name of the call.
+template <class Call>
+bool callPlugin(const std::string& name, Call&& call) {
+    const DatabaseRequest databaseRequest;
+    try {
+        call();
+        return true;
+    } catch (const std::exception& error) {
+        hostLogger().error("%s: the plug-in threw an exception: %s", name, error.what());
+    } catch (...) {
+        hostLogger().error("%s: the plug-in threw an exception of an unknown type", name);
+    }
+    return false;
+}
+
+}  // namespace
+
+WebResponse PluginHost::answer(const WebRequest& request, const std::string& path) {
+    PluginRequest pluginRequest(request, path);
+    PluginResponse pluginResponse;
+    const std::lock_guard turn(turn_);
+    const bool returned = callPlugin(request.method + " " + request.path,
+                                     [&] { descriptor_.handleRequest(pluginRequest, pluginResponse); });
+    if (!returned && pluginResponse.untouched()) pluginResponse.setStatus(500);
+    return pluginResponse.finish();
+}
+
+bool PluginHost::maintain() {
+    if (descriptor_.onTimer == nullptr) return true;
+    const std::lock_guard turn(turn_);
+    return callPlugin("maintenance", [this] { descriptor_.onTimer(); });
+}
+
+std::chrono::seconds PluginHost::maintenancePeriod() {
+    int seconds = 0;
+    if (descriptor_.onTimer == nullptr || descriptor_.getTimerPeriod == nullptr) {
+        return std::chrono::seconds::zero();
+    }
+    const std::lock_guard turn(turn_);
+    callPlugin("maintenance period", [&] { seconds = descriptor_.getTimerPeriod(); });
+    return std::chrono::seconds(seconds > 0 ? seconds : 0);
+}
+
+}  // namespace epgset

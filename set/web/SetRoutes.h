@@ -1,0 +1,24 @@
+// What stands at which path of the set's web server.
+#pragma once
+
+#include "set/web/PluginHost.h"
+#include "set/web/StatusDocument.h"
+#include "set/web/WebHandler.h"
+
+namespace epgset {
+
+/// Routes requests: below "/ws" to the plug-in, in turn; to the set's own resources, at once.
+class SetRoutes : public WebHandler {
+public:
+    /// The plug-in's host must outlive the routes.
+    SetRoutes(PluginHost& plugin, SetFacts facts);
+
+    std::optional<WebResponse> answerAtOnce(const WebRequest& request) override;
+    WebResponse answerInTurn(const WebRequest& request) override;
+
+private:
+    PluginHost& plugin_;
+    const SetFacts facts_;
+};
+
+}  // namespace epgset
