@@ -1,0 +1,113 @@
+#include "set/epghost/Epghost.h"
+
+#include <chrono>
+#include <exception>
+#include <iostream>
+
+#include "host/Logger.h"
+#include "set/epghost/GuideSource.h"
+#include "set/epghost/PluginFile.h"
+#include "set/epghost/ProcessZone.h"
+#include "set/epghost/Signals.h"
+#include "set/epghost/StateFolder.h"
+#include "set/log/LogControl.h"
+#include "set/middleware/Clock.h"
+#include "set/middleware/Television.h"
+#include "set/web/HttpServer.h"
+#include "set/web/ListenSocket.h"
+#include "set/web/MaintenanceTimer.h"
+#include "set/web/PluginHost.h"
+#include "set/web/PluginLibrary.h"
+#include "set/web/SetRoutes.h"
+
+namespace epgset {
+namespace {
+
+/// The plug-in passes over small changes of the guide until its table is more than 600 s old, so that a
+/// reload takes a second call of its maintenance.
+constexpr std::chrono::seconds secondMaintenance{601};
+
+/// How often the set looks whether the guide in use is still good.
+constexpr std::chrono::seconds guideCheckPeriod{600};
+
+const Container::Logger& programLogger() {
+    static const Container::Logger logger = Container::Logger::logger("set/epghost");
+    return logger;
+}
+
+/// Puts a clock in use as long as it lives.
+class ClockInUse {
+public:
+    explicit ClockInUse(const Options& options)
+        : clock_(options.now ? RunningClock(options.zone, *options.now) : RunningClock(options.zone)) {
+        useClock(&clock_);
+    }
+    ~ClockInUse() { useClock(nullptr); }
+    ClockInUse(const ClockInUse&) = delete;
+    ClockInUse& operator=(const ClockInUse&) = delete;
+
+private:
+    const RunningClock clock_;
+};
+
+/// Lets the plug-in fill its table before the first client comes.
+void warmUp(PluginHost& plugin) {
+    plugin.maintain();
+    WebRequest request;
+    request.method = "GET";
+    request.path = "/ws/epg2/antennas";
+    const WebResponse response = plugin.answer(request, "epg2/antennas");
+    if (response.status != 200) {
+        programLogger().error("the plug-in answered the first request %d: %s", response.status,
+                              response.body);
+    }
+}
+
+void reload(GuideSource& source, MaintenanceTimer& timer) {
+    try {
+        useGuide(source.load());
+        source.keepEventIds();
+    } catch (const std::exception& error) {
+        programLogger().error("the guide stays as it was: %s", error.what());
+        return;
+    }
+    timer.callIn(std::chrono::seconds(0));
+    timer.callIn(secondMaintenance);
+}
+
+void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket socket, GuideSource& source) {
+    MaintenanceTimer timer([&plugin] { plugin.maintain(); }, plugin.maintenancePeriod());
+    SetRoutes routes(plugin, facts);
+    const std::string url = socket.url();
+    const HttpServer server(std::move(socket), routes);
+    std::cout << "listening on " << url << std::endl;
+    for (;;) {
+        const Command command = waitForCommand(guideCheckPeriod);
+        if (command == Command::Stop) return;
+        const bool due = source.loadAgainBy() - clock().now() <= guideCheckPeriod.count();
+        if (command == Command::Reload || due) reload(source, timer);
+    }
+}
+
+}  // namespace
+
+void runEpghost(const Options& options) {
+    LogControl::setLevel(options.logLevel);
+    blockSignals();
+    // Everything that can fail comes before the first thing that leaves a trace.
+    ListenSocket socket(options.listen, options.port);
+    StateFolder state(options.state.empty() ? defaultStateFolder() : options.state);
+    const PluginLibrary library(findPluginFile(options.plugin));
+    const ClockInUse clock(options);
+    GuideSource source(options, state);
+    useGuide(source.load());
+    state.create();
+    source.keepEventIds();
+
+    PluginHost plugin(library.descriptor());
+    warmUp(plugin);
+    if (stopIsPending()) return;
+    serveUntilStopped(plugin, {options.pvr, processZoneName()}, std::move(socket), source);
+}
+
+}  // namespace epgset
