@@ -12,20 +12,31 @@
 namespace epgset {
 namespace {
 
-bool isAscii(std::string_view text) {
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    constexpr std::uint64_t highBits = 0x8080808080808080U;
-    for (; end - at >= 8; at += 8) {
-        std::uint64_t eight;
-        std::memcpy(&eight, at, sizeof eight);
-        if (eight & highBits) return false;
-    }
-    return std::none_of(at, end, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
-}
-
 char asciiLower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+/// Writes `text` in lower case to `lower`, which has room for it, eight bytes at a time. False when it
+/// is not ASCII.
+bool lowerAscii(std::string_view text, char* lower) {
+    constexpr std::uint64_t each = 0x0101010101010101U;
+    constexpr std::uint64_t highBits = 0x80 * each;
+    std::size_t at = 0;
+    for (; text.size() - at >= sizeof(std::uint64_t); at += sizeof(std::uint64_t)) {
+        std::uint64_t bytes;
+        std::memcpy(&bytes, text.data() + at, sizeof bytes);
+        if (bytes & highBits) return false;
+        // The high bit of each byte tells whether it is at least "A", and whether it is above "Z".
+        const std::uint64_t fromA = bytes + (0x80 - 'A') * each;
+        const std::uint64_t aboveZ = bytes + (0x80 - 'Z' - 1) * each;
+        bytes |= (fromA & ~aboveZ & highBits) >> 2;
+        std::memcpy(lower + at, &bytes, sizeof bytes);
+    }
+    for (; at < text.size(); ++at) {
+        if (static_cast<unsigned char>(text[at]) >= 0x80) return false;
+        lower[at] = asciiLower(text[at]);
+    }
+    return true;
 }
 
 /// A mark that only accents a letter. Marks that make another letter of it (kana voicing, nukta, the
@@ -88,16 +99,24 @@ bool wordBefore(std::string_view text, std::size_t position) {
     }
 }
 
+/// Position of the needle from `from` on; npos when there is none.
+std::size_t find(std::string_view text, std::string_view needle, std::size_t from) {
+    constexpr std::size_t shortText = 256;
+    if (text.size() <= shortText) return text.find(needle, from);
+    // Linear whatever the texts hold, but slow to begin.
+    const void* const found = memmem(text.data() + from, text.size() - from, needle.data(), needle.size());
+    return found ? static_cast<std::size_t>(static_cast<const char*>(found) - text.data())
+                 : std::string_view::npos;
+}
+
 SearchScore scoreFolded(std::string_view text, std::string_view needle) {
-    // memmem is linear whatever the texts hold, which a plain search is not; giant texts in which the
-    // needle recurs all the time are not searched to their end for a better match.
+    // Giant texts in which the needle recurs all the time are not searched to their end for a better
+    // match.
     constexpr std::size_t mostWork = 1 << 24;
     std::size_t work = 0;
     for (std::size_t from = 0; work < mostWork; work += needle.size()) {
-        const void* const found =
-            memmem(text.data() + from, text.size() - from, needle.data(), needle.size());
-        if (!found) return from == 0 ? NoMatch : MatchInside;
-        const auto position = static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+        const std::size_t position = find(text, needle, from);
+        if (position == std::string_view::npos) return from == 0 ? NoMatch : MatchInside;
         if (position == 0) return text.size() == needle.size() ? MatchWhole : MatchAtWordStart;
         if (!wordBefore(text, position)) return MatchAtWordStart;
         from = position + 1;
@@ -128,16 +147,15 @@ std::string foldedForSearch(std::string_view text) {
 
 SearchScore searchScore(std::string_view text, std::string_view foldedNeedle) {
     if (foldedNeedle.empty()) return NoMatch;
-    if (!isAscii(text)) return scoreFolded(foldedForSearch(text), foldedNeedle);
-    if (foldedNeedle.size() > text.size()) return NoMatch;
-    std::array<char, 256> shortText;
-    if (text.size() <= shortText.size()) {
-        std::transform(text.begin(), text.end(), shortText.begin(), asciiLower);
-        return scoreFolded(std::string_view(shortText.data(), text.size()), foldedNeedle);
+    std::array<char, 256> shortLower;
+    std::string longLower;
+    char* lower = shortLower.data();
+    if (text.size() > shortLower.size()) {
+        longLower.resize(text.size());
+        lower = longLower.data();
     }
-    std::string longText(text);
-    std::transform(text.begin(), text.end(), longText.begin(), asciiLower);
-    return scoreFolded(longText, foldedNeedle);
+    if (!lowerAscii(text, lower)) return scoreFolded(foldedForSearch(text), foldedNeedle);
+    return scoreFolded(std::string_view(lower, text.size()), foldedNeedle);
 }
 
 namespace {

@@ -85,6 +85,15 @@ TEST(SearchScore, FindsWhatItFindsInTextsOfAnyLength) {
     EXPECT_EQ(score(filler, filler), MatchWhole);
 }
 
+TEST(SearchScore, LowersEveryAsciiLetterAndNothingElse) {
+    for (int c = 1; c < 128; ++c) {
+        const std::string text(20, static_cast<char>(c));
+        const std::string lower(20, static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c));
+        EXPECT_EQ(foldedForSearch(text), lower);
+        EXPECT_EQ(searchScore(text, lower), MatchWhole) << c;
+    }
+}
+
 TEST(SearchScore, AnyBytesAreSearched) {
     std::mt19937 random(5);
     for (int round = 0; round < 20000; ++round) {
