@@ -1,6 +1,7 @@
 #include "set/guide/GuideLoader.h"
 
 #include <fmt/format.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <chrono>
@@ -114,10 +115,8 @@ void addChannelProgrammes(GuideBuilder& builder, std::size_t channel,
     }
 }
 
-}  // namespace
-
-LoadedGuide loadGuide(const GuideSources& sources, EventIds& ids) {
-    const auto began = std::chrono::steady_clock::now();
+/// Sorted, bounded and with its ids, of what the guides hold.
+LoadedGuide load(const GuideSources& sources, EventIds& ids) {
     const Lineup lineup = sources.lineup ? Lineup(*sources.lineup) : Lineup();
     GuideCollector collector;
     readGuides(sources.guides, collector);
@@ -156,6 +155,16 @@ LoadedGuide loadGuide(const GuideSources& sources, EventIds& ids) {
     builder.setProgrammesDropped(bounded.dropped);
     loaded.guide = builder.finish();
     loaded.fitsUntil = bounded.fitsUntil;
+    return loaded;
+}
+
+}  // namespace
+
+LoadedGuide loadGuide(const GuideSources& sources, EventIds& ids) {
+    const auto began = std::chrono::steady_clock::now();
+    LoadedGuide loaded = load(sources, ids);
+    // What loading took for a while lies between what stays; the system gets it back page by page.
+    ::malloc_trim(0);
     loaded.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
     log().debug("%d channels, %d programmes, %d skipped, in %.3f s", loaded.guide->channels().size(),
                 loaded.guide->programmes().size(), loaded.programmesSkipped, loaded.seconds);
