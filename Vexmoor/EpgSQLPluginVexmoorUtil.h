@@ -24,9 +24,6 @@ extern const Container::Logger adapterLogger;
 /// A copy of `text`; null for null.
 char* t_alloc_copy(const char* text);
 
-/// A new text printed into `bytes` bytes, its terminator included; what does not fit is cut.
-[[gnu::format(printf, 2, 3)]] char* t_print_text(std::size_t bytes, const char* format, ...);
-
 /// The decimal number that `text` begins with, 0 without one, cut to an int.
 int t_read_int(const char* text);
 

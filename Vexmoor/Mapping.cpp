@@ -9,6 +9,7 @@
 
 #include "Vexmoor/EpgSQLPluginVexmoorUtil.h"
 #include "Vexmoor/HeapText.h"
+#include "Vexmoor/TextBuilder.h"
 #include "host/ResponseDocument.h"
 
 const AntennaRow antennaTable[antennaRowCount] = {
@@ -51,11 +52,16 @@ constexpr int weekendBits = 65;
 template <typename Object>
 char* readMiddlewareText(const Object* object, int length, int (Object::*read)(void*, int) const) {
     if (length < 1) return nullptr;
-    const HeapBlock block(std::calloc(static_cast<std::size_t>(length) + 1, 1));
-    if (!block) return nullptr;
-    (object->*read)(block.get(), length);
-    // The block stays ours: a text of one byte is no text, and the conversion would leave it behind.
-    return t_change_ZorviStr_to_UTF8(block.get(), length, 0);
+    // Most texts fit a buffer on the stack. The buffer stays ours either way: a text of one byte is no
+    // text, and the conversion would leave it behind.
+    alignas(unsigned short) unsigned char local[512];
+    const std::size_t bytes = static_cast<std::size_t>(length) + 1;
+    const HeapBlock block(bytes > sizeof local ? std::malloc(bytes) : nullptr);
+    if (bytes > sizeof local && !block) return nullptr;
+    void* const buffer = block ? block.get() : local;
+    std::memset(buffer, 0, bytes);
+    (object->*read)(buffer, length);
+    return t_change_ZorviStr_to_UTF8(buffer, length, 0);
 }
 
 int absolute(int value) {
@@ -138,22 +144,25 @@ char* t_get_channel_service_type(TCChannel* channel) {
 // Channels --------------------------------------------------------------------------------------------
 
 char* t_get_channel_id(int tvmode, short major, short minor) {
-    if (minor > 0) return t_print_text(20, "cid-%03d-%d-%d", tvmode, major, minor);
-    return t_print_text(20, "cid-%03d-%d", tvmode, major);
+    TextBuilder id(20);
+    id.add("cid-").add(tvmode, 3).add("-").add(major);
+    if (minor > 0) id.add("-").add(minor);
+    return id.release();
 }
 
 char* t_get_channel_num(TCChannel* channel) {
     if (channel == nullptr) return nullptr;
-    const short minor = channel->Minor();
-    if (minor < 1) return t_print_text(12, "%d", channel->Major());
-    return t_print_text(12, "%d-%d", channel->Major(), minor);
+    TextBuilder number(12);
+    number.add(channel->Major());
+    if (channel->Minor() >= 1) number.add("-").add(channel->Minor());
+    return number.release();
 }
 
 char* t_get_channel_path(TCChannel* channel) {
     if (channel == nullptr) return nullptr;
     const HeapText id(t_get_channel_id(channel->TvMode(), channel->Major(), channel->Minor()));
     if (!id) return nullptr;
-    return t_print_text(std::strlen(id.get()) + 19, "%s/%s", channelsPath, id.get());
+    return TextBuilder(std::strlen(id.get()) + 19).add(channelsPath).add("/").add(id.get()).release();
 }
 
 char* t_get_channel_name(TCChannel* channel) {
@@ -164,7 +173,9 @@ char* t_get_channel_name(TCChannel* channel) {
 // Programmes ------------------------------------------------------------------------------------------
 
 char* t_get_program_id2(int tvmode, int major, int minor, int event_id) {
-    return t_print_text(26, "pid-%03d-%d-%d-%d", tvmode, major, absolute(minor), event_id);
+    TextBuilder id(26);
+    id.add("pid-").add(tvmode, 3).add("-").add(major).add("-").add(absolute(minor)).add("-").add(event_id);
+    return id.release();
 }
 
 char* t_get_program_id(TCChannel* channel, TCProgram* program) {
@@ -242,7 +253,7 @@ void t_delete_program(ws_epg_program* program) {
 
 char* t_get_schedule_id(CRemindInfo* info) {
     if (info == nullptr) return nullptr;
-    return t_print_text(18, "sch_id_%d", static_cast<int>(info->UID()));
+    return TextBuilder(18).add("sch_id_").add(static_cast<int>(info->UID())).release();
 }
 
 char* t_get_schedule_name(CRemindInfo* info) {
@@ -271,18 +282,18 @@ char* t_get_schedule_synopsis(CRemindInfo* info) {
 
 char* t_get_schedule_repeat(CRemindInfo* info) {
     if (info == nullptr) return nullptr;
-    if (info->ReserveType() == CReminder::RESERVE_SERIES) return t_print_text(32, "%s", "SERIES");
+    if (info->ReserveType() == CReminder::RESERVE_SERIES) return t_alloc_copy("SERIES");
     switch (static_cast<int>(info->RepeatType())) {
         case CReminder::REPEAT_ONCE:
-            return t_print_text(32, "%s", "ONCE");
+            return t_alloc_copy("ONCE");
         case CReminder::REPEAT_EVERYDAY:
-            return t_print_text(32, "%s", "EVERYDAY");
+            return t_alloc_copy("EVERYDAY");
         case CReminder::REPEAT_WEEKDAYS:
-            return t_print_text(32, "%s", "MON|TUE|WED|THU|FRI");
+            return t_alloc_copy("MON|TUE|WED|THU|FRI");
         case CReminder::REPEAT_WEEKEND:
-            return t_print_text(32, "%s", "SAT|SUN");
+            return t_alloc_copy("SAT|SUN");
         case CReminder::REPEAT_MANUAL:
-            return t_print_text(32, "%s", manualDays(info->ManualRepeat()).c_str());
+            return t_alloc_copy(manualDays(info->ManualRepeat()).c_str());
         default:
             return nullptr;
     }
@@ -319,9 +330,9 @@ char* t_get_schedule_method(CRemindInfo* info) {
     if (info == nullptr) return nullptr;
     switch (static_cast<int>(info->CreationMethod())) {
         case CReminder::CREATED_FROM_EPG:
-            return t_print_text(32, "%s", "EPG");
+            return t_alloc_copy("EPG");
         case CReminder::CREATED_MANUALLY:
-            return t_print_text(32, "%s", "Manual");
+            return t_alloc_copy("Manual");
         default:
             return nullptr;
     }

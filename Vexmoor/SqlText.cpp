@@ -110,7 +110,11 @@ void EpgSQLPluginVexmoor::m_formatCreateSql(std::list<std::string>& definitions,
 
 void EpgSQLPluginVexmoor::m_getInsertSql(std::list<std::string>* values, std::string& sql,
                                          std::string& table) {
-    sql += "INSERT INTO " + table + " values(";
+    std::size_t length = sql.size() + table.size() + 32;
+    for (const std::string& value : *values)
+        length += value.size() + 4;
+    sql.reserve(length);
+    sql.append("INSERT INTO ").append(table).append(" values(");
     std::size_t left = values->size();
     for (const std::string& value : *values) {
         sql += '\'';

@@ -1,9 +1,7 @@
 // Text conversions between the middleware's UTF-16 and the service's UTF-8.
 #include <algorithm>
 #include <climits>
-#include <cstdarg>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
@@ -111,16 +109,6 @@ char* t_alloc_copy(const char* text) {
     HeapText copy(static_cast<char*>(std::malloc(bytes)));
     if (copy) std::memcpy(copy.get(), text, bytes);
     return copy.release();
-}
-
-char* t_print_text(std::size_t bytes, const char* format, ...) {
-    HeapText text(static_cast<char*>(std::malloc(bytes)));
-    if (!text) return nullptr;
-    std::va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(text.get(), bytes, format, arguments);
-    va_end(arguments);
-    return text.release();
 }
 
 int t_read_int(const char* text) {

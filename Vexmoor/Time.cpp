@@ -4,6 +4,7 @@
 
 #include "Vexmoor/EpgSQLPluginVexmoorUtil.h"
 #include "Vexmoor/HeapText.h"
+#include "Vexmoor/TextBuilder.h"
 #include "host/AppTV.h"
 #include "host/CTimerUtil.h"
 
@@ -96,9 +97,11 @@ char* t_get_ISO8601_from_UNIX(long long unixTime) {
     std::tm parts = {};
     gmtime_r(&local, &parts);
     const int absolute = std::abs(zone);
-    return t_print_text(iso8601Bytes, "%04d-%02d-%02dT%02d:%02d:%02d%c%02d:%02d", parts.tm_year + 1900,
-                        parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec,
-                        zone < 0 ? '-' : '+', absolute / 3600, absolute % 3600 / 60);
+    TextBuilder text(iso8601Bytes);
+    text.add(parts.tm_year + 1900, 4).add("-").add(parts.tm_mon + 1, 2).add("-").add(parts.tm_mday, 2);
+    text.add("T").add(parts.tm_hour, 2).add(":").add(parts.tm_min, 2).add(":").add(parts.tm_sec, 2);
+    text.add(zone < 0 ? "-" : "+").add(absolute / 3600, 2).add(":").add(absolute % 3600 / 60, 2);
+    return text.release();
 }
 
 long long t_get_UNIX_from_ISO8601(const char* text) {

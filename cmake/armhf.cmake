@@ -5,3 +5,6 @@ set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+
+# Times beyond 2038 on a system of 32 bits.
+add_compile_definitions(_TIME_BITS=64 _FILE_OFFSET_BITS=64)
