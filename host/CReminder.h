@@ -10,15 +10,17 @@ class TCProgram;
 /// called from any thread.
 class HOST_API CReminder {
 public:
+    // Of the middleware's values only those that somebody here acts on have names; an entry may hold others.
+
     /// What an entry does when it comes due.
-    enum RESERVE_TYPE {
+    enum RESERVE_TYPE : int {
         RESERVE_VIEW = 0,
         RESERVE_RECORD = 1,
         RESERVE_RECORDING = 3,  ///< a recording that is running
         RESERVE_SERIES = 9      ///< records each programme of a series
     };
 
-    enum REMINDER_REPEAT_TYPE {
+    enum REMINDER_REPEAT_TYPE : int {
         REPEAT_ONCE = 0,
         REPEAT_EVERYDAY = 1,
         REPEAT_WEEKDAYS = 2,
@@ -27,7 +29,7 @@ public:
         REPEAT_INVALID = 5  ///< what no entry has: the result of reading an unknown text
     };
 
-    enum CREATION_TYPE { CREATED_FROM_EPG = 0, CREATED_MANUALLY = 1 };
+    enum CREATION_TYPE : int { CREATED_FROM_EPG = 0, CREATED_MANUALLY = 1 };
 
     /// The store, owned by the middleware; null when there is none.
     static CReminder* GetInstance();

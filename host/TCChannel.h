@@ -28,12 +28,12 @@ public:
     static void operator delete(void* object) noexcept;
     static void operator delete(void* object, const std::nothrow_t&) noexcept;
 
-    int TvMode() const;      ///< reception mode; -1 when empty
-    short Major() const;     ///< major number
-    short Minor() const;     ///< minor number; 0 or less: none
-    int FlagDigital() const;    ///< non-zero for a digital channel
-    int FlagScrambled() const;  ///< non-zero for a scrambled channel
-    int ServiceType() const;    ///< the low byte counts: 0 ALL to 7 ANALOG
+    int TvMode() const;                   ///< reception mode; -1 when empty
+    short Major() const;                  ///< major number
+    short Minor() const;                  ///< minor number; 0 or less: none
+    int FlagDigital() const;              ///< non-zero for a digital channel
+    int FlagScrambled() const;            ///< non-zero for a scrambled channel
+    int ServiceType() const;              ///< the low byte counts: 0 ALL to 7 ANALOG
     std::uint16_t PTC() const;            ///< physical transmission channel
     std::uint16_t ProgramNumber() const;  ///< number of the service in its transport stream
 
@@ -44,10 +44,10 @@ public:
     virtual int GetChannelName(void* buffer, int bytes) const;
 
     // Preparing a template: which channels AppTV::GetChannelKeyList is asked for.
-    void MarkBit();                  ///< begins a template: only what is set from now on counts
-    void SetHideGuide(int hidden);   ///< 0: channels that the guide does not hide
-    void SetHidden(int hidden);      ///< 0: channels that the user did not hide
-    void SetType(int sourceType);    ///< channels of this source type
+    void MarkBit();                              ///< begins a template: only what is set from now on counts
+    void SetHideGuide(int hidden);               ///< 0: channels that the guide does not hide
+    void SetHidden(int hidden);                  ///< 0: channels that the user did not hide
+    void SetType(int sourceType);                ///< channels of this source type
     int Type() const { return m_templateType; }  ///< the source type set by SetType; -1 when none was
 
     /// The digital channel type of a reception mode; -1 when it has none.

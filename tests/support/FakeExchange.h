@@ -13,7 +13,7 @@
 namespace epgtest {
 
 /// A request made of plain data. The content length is the body's unless one is stated.
-class FakeRequest : public Container::HttpRequest, public Container::Uri {
+class FakeRequest final : public Container::HttpRequest, public Container::Uri {
 public:
     FakeRequest(std::string method, std::string path, std::string query = "")
         : method_(std::move(method)), path_(std::move(path)), query_(std::move(query)) {}
@@ -55,7 +55,7 @@ private:
 };
 
 /// A response that keeps what was done to it, in order.
-class RecordingResponse : public Container::HttpResponse {
+class RecordingResponse final : public Container::HttpResponse {
 public:
     void setHeader(const std::string& name, const std::string& value) override {
         headers[name] = value;
