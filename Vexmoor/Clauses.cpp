@@ -3,6 +3,7 @@
 // Client values are put between single quotes as they come, on purpose.
 #include <list>
 #include <map>
+#include <new>
 #include <string>
 
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
@@ -92,7 +93,11 @@ int EpgSQLPluginVexmoor::m_getSqlSelectCols(std::string& sql, const ParameterMap
     const auto select = parameters.find("select");
     if (select != parameters.end()) {
         std::list<std::string> columns;
-        m_getColNamesFrmQueryParam(select->second, columns, view);
+        try {
+            m_getColNamesFrmQueryParam(select->second, columns, view);
+        } catch (const std::bad_alloc&) {
+            return -1;
+        }
         sql += joined(columns);
         return kindSelected;
     }
@@ -145,7 +150,11 @@ int EpgSQLPluginVexmoor::m_getSqlSortConditions(std::string& sql, const Paramete
     const auto sort = parameters.find("sort");
     if (sort != parameters.end()) {
         std::list<std::string> columns;
-        m_getColNamesFrmQueryParam(sort->second, columns, view);
+        try {
+            m_getColNamesFrmQueryParam(sort->second, columns, view);
+        } catch (const std::bad_alloc&) {
+            return -1;
+        }
         if (columns.size() == 1) sql += " ORDER BY " + columns.front();
     }
     // Without a sort the direction stands alone, and the statement does not compile; it stays so.

@@ -114,7 +114,7 @@ protected:  // open to derived classes, so that each operation can be tried alon
     static bool m_getPagingParams(const ParameterMap& parameters, std::string& itemsMax,
                                   std::string& startIndex);
 
-    // SQL clauses --------------------------------------------------------------------------------
+    // SQL clauses: each appends to `sql`; -1 when there is no memory for the column list ----------
     static void m_getColNamesFrmQueryParam(const std::string& value, std::list<std::string>& columns,
                                            int view);
     static int m_getSqlSelectCols(std::string& sql, const ParameterMap& parameters, int view);

@@ -59,7 +59,8 @@ int EpgSQLPluginVexmoor::m_getSqlRowData(sqlite3_stmt* statement, int keyView,
     if (statement == nullptr) return -1;
     const int columnCount = sqlite3_data_count(statement);
     for (int i = 0; i < columnCount; ++i) {
-        const std::string name = sqlite3_column_name(statement, i);
+        const char* const columnName = sqlite3_column_name(statement, i);
+        const std::string name = columnName == nullptr ? "" : columnName;  // null without memory
         const bool isTime = name == "ProgramStartTime" || name == "ProgramEndTime";
         std::string value =
             isTime ? std::to_string(sqlite3_column_int(statement, i)) : columnText(statement, i);
