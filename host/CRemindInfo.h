@@ -54,6 +54,15 @@ public:
     /// The synopsis, NUL-terminated, its units in host byte order. Owned by the entry.
     const unsigned short* Synopsis() const { return m_synopsis.c_str(); }
 
+    /// Makes this an entry for a programme, with a copy of its title, synopsis, event id, times and
+    /// channel: to view it, to record it, or of another type (`reserved` is 0).
+    void SetTimerViewing(const TCProgram& program);
+    void SetRecording(const TCProgram& program);
+    void Set(const TCProgram& program, int reserveType, int reserved);
+
+    /// Fills `program` with the entry's event id, times and texts.
+    void CopyDetailsInto(TCProgram& program) const;
+
     void SetUid(unsigned long uid) { m_uid = uid; }
     void SetEventId(int eventId) { m_eventId = eventId; }
     void SetReserveType(CReminder::RESERVE_TYPE type) { m_reserveType = type; }

@@ -1,6 +1,8 @@
 // The middleware's reminder store.
 #pragma once
 
+#include <vector>
+
 #include "host/Export.h"
 
 class CRemindInfo;
@@ -41,4 +43,28 @@ public:
 
     /// Fills `info` with the entry of that UID and answers whether there is one.
     virtual bool GetRemindItemByUid(unsigned long uid, CRemindInfo& info) = 0;
+
+    /// Fills `items` with the entries of a kind (2: all of them) and `count` with their number; false on
+    /// failure.
+    virtual bool GetRemindItemByType(int& count, std::vector<CRemindInfo>& items, int kind) = 0;
+
+    /// Adds an entry and assigns its UID; false when the store refuses it. `reserved` is 0.
+    virtual bool AddRemindItem(CRemindInfo& info, int reserved) = 0;
+
+    /// Replaces the entry of that UID, which it keeps; false when the store refuses it. `reserved` is 0,
+    /// `byUser` 1.
+    virtual bool UpdateRemindItemByUid(unsigned long uid, const CRemindInfo& info, int reserved,
+                                       int byUser) = 0;
+
+    /// Removes the entry of that UID; 1 when it did.
+    virtual int DeleteRemindItemByUid(unsigned long uid) = 0;
+
+    /// The same at the user's request; non-zero when it did.
+    virtual int UserDeleteRemindItemByUid(unsigned long uid) = 0;
+
+    /// Whether an entry other than `info` itself (its UID) overlaps it; fills `other` with the first.
+    virtual bool ExistSameTimeRemindItem(const CRemindInfo& info, CRemindInfo& other) = 0;
+
+    /// Fills `items` with the entries other than `info` itself that overlap it.
+    virtual void GetOverlappingRemindItems(const CRemindInfo& info, std::vector<CRemindInfo>& items) = 0;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <vector>
 
 #include "host/CRemindInfo.h"
 #include "host/TCProgram.h"
@@ -41,6 +42,29 @@ public:
             return true;
         }
         return false;
+    }
+
+    bool GetRemindItemByType(int& count, std::vector<CRemindInfo>& items, int /*kind*/) override {
+        items.clear();
+        for (const auto& [eventId, entry] : byEvent_)
+            items.push_back(entry);
+        count = static_cast<int>(items.size());
+        return true;
+    }
+
+    // This store is filled with book() alone.
+    bool AddRemindItem(CRemindInfo& /*info*/, int /*reserved*/) override { return false; }
+    bool UpdateRemindItemByUid(unsigned long /*uid*/, const CRemindInfo& /*info*/, int /*reserved*/,
+                               int /*byUser*/) override {
+        return false;
+    }
+    int DeleteRemindItemByUid(unsigned long /*uid*/) override { return 0; }
+    int UserDeleteRemindItemByUid(unsigned long /*uid*/) override { return 0; }
+    bool ExistSameTimeRemindItem(const CRemindInfo& /*info*/, CRemindInfo& /*other*/) override {
+        return false;
+    }
+    void GetOverlappingRemindItems(const CRemindInfo& /*info*/, std::vector<CRemindInfo>& items) override {
+        items.clear();
     }
 
 private:

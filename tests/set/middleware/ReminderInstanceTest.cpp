@@ -3,22 +3,17 @@
 #include "host/CRemindInfo.h"
 #include "host/CReminder.h"
 #include "set/middleware/Television.h"
+#include "tests/support/TestReminders.h"
 
 namespace epgset {
 namespace {
 
-class EmptyReminder : public CReminder {
-public:
-    bool FindRemindItemFromProgram(const TCProgram&, CRemindInfo&) override { return false; }
-    bool GetRemindItemByUid(unsigned long, CRemindInfo&) override { return false; }
-};
-
 TEST(ReminderInstance, IsWhatIsInUse) {
     EXPECT_EQ(CReminder::GetInstance(), nullptr);
-    EmptyReminder reminder;
-    useReminder(&reminder);
-    EXPECT_EQ(CReminder::GetInstance(), &reminder);
-    useReminder(nullptr);
+    {
+        epgtest::TestReminders reminders;
+        EXPECT_EQ(CReminder::GetInstance(), &reminders);
+    }
     EXPECT_EQ(CReminder::GetInstance(), nullptr);
 }
 
