@@ -9,8 +9,9 @@
 #include "host/Export.h"
 
 namespace epgset {
+struct Channel;
 struct Programme;
-}
+}  // namespace epgset
 
 /// One programme. A new one is empty. Times are UNIX seconds; texts are UTF-16 in big-endian byte
 /// order. A copy shares what the original was filled with.
@@ -22,7 +23,10 @@ public:
     };
 
     TCProgram() = default;
-    explicit TCProgram(std::shared_ptr<const epgset::Programme> programme);
+
+    /// `channel` lives as long as what `programme` shares; null when it is not known.
+    explicit TCProgram(std::shared_ptr<const epgset::Programme> programme,
+                       const epgset::Channel* channel = nullptr);
     TCProgram(const TCProgram&) = default;
     TCProgram& operator=(const TCProgram&) = default;
     virtual ~TCProgram();
@@ -48,6 +52,11 @@ public:
     /// Fills `list` with the content reference identifiers of the given type (0: all).
     virtual void GetCRIDs(std::vector<std::string>& list, int type) const;
 
+    /// The channel that it was found on, for the middleware's own use; null when it is not known. Lives as
+    /// long as the programme.
+    const epgset::Channel* SourceChannel() const { return m_channel; }
+
 private:
     std::shared_ptr<const epgset::Programme> m_programme;
+    const epgset::Channel* m_channel = nullptr;
 };

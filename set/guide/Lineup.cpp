@@ -2,7 +2,6 @@
 
 #include <toml++/toml.h>
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <fstream>
 #include <iterator>
@@ -14,13 +13,10 @@
 #include "set/guide/GuideError.h"
 #include "set/guide/WhiteSpace.h"
 #include "set/middleware/ReceptionModes.h"
+#include "set/middleware/ServiceTypes.h"
 
 namespace epgset {
 namespace {
-
-/// In the order of Channel::serviceType.
-constexpr std::array<std::string_view, 8> kServiceTypes{"ALL",  "TV",       "RADIO",    "OTHER",
-                                                        "FREE", "SCRAMBLE", "SEARCHED", "ANALOG"};
 
 std::string readWhole(const std::filesystem::path& path) {
     std::error_code ignored;
@@ -87,9 +83,9 @@ void EntryReader::readValue(std::string_view key, const toml::node& value) {
         entry_.name = withCollapsedSpace(text(key, value));
     } else if (key == "service_type") {
         const std::string name = text(key, value);
-        const auto* const found = std::find(kServiceTypes.begin(), kServiceTypes.end(), name);
-        if (found == kServiceTypes.end()) refuse(value, "no such service type: " + inQuotes(name));
-        entry_.serviceType = static_cast<std::uint8_t>(found - kServiceTypes.begin());
+        const auto* const found = std::find(serviceTypeNames.begin(), serviceTypeNames.end(), name);
+        if (found == serviceTypeNames.end()) refuse(value, "no such service type: " + inQuotes(name));
+        entry_.serviceType = static_cast<std::uint8_t>(found - serviceTypeNames.begin());
     } else if (key == "scrambled") {
         entry_.scrambled = truth(key, value);
     } else if (key == "digital") {

@@ -58,7 +58,8 @@ public:
     void Make(int index, std::optional<TCProgram>& program) const override {
         const auto entry = static_cast<std::size_t>(index);
         const Programme& programme = programmes_[picked_.empty() ? entry : picked_[entry]];
-        program.emplace(std::shared_ptr<const Programme>(guide_, &programme));
+        program.emplace(std::shared_ptr<const Programme>(guide_, &programme),
+                        &guide_->channels()[programme.channel]);
     }
 
 private:

@@ -22,8 +22,8 @@ int copyText(std::string_view text, void* buffer, int bytes) {
 
 }  // namespace
 
-TCProgram::TCProgram(std::shared_ptr<const epgset::Programme> programme)
-    : m_programme(std::move(programme)) {}
+TCProgram::TCProgram(std::shared_ptr<const epgset::Programme> programme, const epgset::Channel* channel)
+    : m_programme(std::move(programme)), m_channel(channel) {}
 
 TCProgram::~TCProgram() = default;
 
