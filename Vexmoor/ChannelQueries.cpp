@@ -4,12 +4,6 @@
 
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
 
-namespace {
-
-constexpr int channelView = 1;
-
-}  // namespace
-
 bool EpgSQLPluginVexmoor::m_isGet(const char* method) {
     if (method != nullptr && std::strcmp(method, "GET") == 0) return true;
     pluginLogger.warning("Function does not support this %s method", method);
@@ -25,12 +19,12 @@ int EpgSQLPluginVexmoor::m_execChnlListSqlQuery(TARNO_rstr_uri_query_st* query, 
     if (!m_getPagingParams(parameters, itemsMax, startIndex)) return 400;
 
     std::string sql;
-    const int selectKind = m_getSqlSelectCols(sql, parameters, channelView);
+    const int selectKind = m_getSqlSelectCols(sql, parameters, ChannelView);
     sql += " FROM myView";
-    const bool hasCondition = m_getSqlWhereConditions(sql, parameters, channelView) == 0;
+    const bool hasCondition = m_getSqlWhereConditions(sql, parameters, ChannelView) == 0;
     sql += hasCondition ? " AND" : " WHERE";
     sql += " ScheduleId='' AND NOT ServiceType='' AND NOT AntennaType='' GROUP BY ChannelId ";
-    m_getSqlSortConditions(sql, parameters, channelView);
+    m_getSqlSortConditions(sql, parameters, ChannelView);
     sql += ";";
     return m_getChnlListResults(sql, document, itemsMax, startIndex, selectKind, connection);
 }
@@ -53,7 +47,7 @@ int EpgSQLPluginVexmoor::m_getChnlInfoResults(std::string sql, void* document, C
     statement.setSql(sql);
     statement.compile();
     const bool found = sqlite3_step(statement.handle()) == SQLITE_ROW;
-    if (found) m_output_sql_result(document, channelView, statement.handle());
+    if (found) m_output_sql_result(document, ChannelView, statement.handle());
     statement.close();
     return found ? 200 : 404;
 }

@@ -10,11 +10,6 @@
 
 namespace {
 
-constexpr int channelView = 1;
-constexpr int programView = 2;
-constexpr int kindSelected = 4;
-constexpr int kindAllColumns = 5;
-
 bool contains(const std::string& value, const char* text) {
     return value.find(text) != std::string::npos;
 }
@@ -42,10 +37,10 @@ const char* conditionColumn(const std::string& parameter, int view) {
         const char* column;
     };
     static constexpr Row rows[] = {
-        {"name", channelView, "ChannelName"},
-        {"program_name", channelView, "ProgramName"},
-        {"channel_name", programView, "ChannelName"},
-        {"name", programView, "ProgramName"},
+        {"name", ChannelView, "ChannelName"},
+        {"program_name", ChannelView, "ProgramName"},
+        {"channel_name", ProgramView, "ChannelName"},
+        {"name", ProgramView, "ProgramName"},
         {"channel_num", 0, "ChannelNumber"},
         {"antenna", 0, "AntennaType"},
         {"scrambled", 0, "ScrambledFlag"},
@@ -71,12 +66,12 @@ std::string conditionTerm(const std::string& column, const std::string& value) {
 void EpgSQLPluginVexmoor::m_getColNamesFrmQueryParam(const std::string& value,
                                                      std::list<std::string>& columns, int view) {
     if (contains(value, "id")) {
-        if (view == channelView) columns.push_back("ChannelId");
-        if (view == programView) columns.push_back("EventId");
+        if (view == ChannelView) columns.push_back("ChannelId");
+        if (view == ProgramView) columns.push_back("EventId");
     }
     if (hasOwnName(value)) {
-        if (view == channelView) columns.push_back("ChannelName");
-        if (view == programView) columns.push_back("ProgramName");
+        if (view == ChannelView) columns.push_back("ChannelName");
+        if (view == ProgramView) columns.push_back("ProgramName");
     }
     if (contains(value, "channel_name")) columns.push_back("ChannelName");
     if (contains(value, "channel_num")) columns.push_back("ChannelNumber");
@@ -99,21 +94,21 @@ int EpgSQLPluginVexmoor::m_getSqlSelectCols(std::string& sql, const ParameterMap
             return -1;
         }
         sql += joined(columns);
-        return kindSelected;
+        return ChosenColumns;
     }
-    if (view == channelView) {
+    if (view == ChannelView) {
         sql +=
             " ChannelId, ChannelName, ChannelNumber, ChannelPath, AntennaType, ScrambledFlag, ServiceType ";
-        return channelView;
+        return DefaultChannelColumns;
     }
-    if (view == programView) {
+    if (view == ProgramView) {
         sql +=
             " EventId, ProgramName, ChannelPath, ChannelName, ChannelNumber, AntennaType, ProgramStartTime, "
             "ProgramEndTime, ScrambledFlag";
-        return programView;
+        return DefaultProgramColumns;
     }
     sql += " * ";
-    return kindAllColumns;
+    return AllColumns;
 }
 
 int EpgSQLPluginVexmoor::m_getWhereConditions(std::map<std::string, std::string>& conditions,

@@ -10,9 +10,9 @@ Container::SharedPtr<Connection> EpgSQLPluginVexmoor::epgDBConnection;
 std::map<std::string, std::string> EpgSQLPluginVexmoor::epgTableList;
 Container::Mutex EpgSQLPluginVexmoor::instanceMutex;
 Container::Mutex EpgSQLPluginVexmoor::rebuildMutex;
-std::atomic<std::uint32_t> EpgSQLPluginVexmoor::lastUpdateTime = 0;
-std::atomic<std::int32_t> EpgSQLPluginVexmoor::channelCounts[32] = {};
-std::atomic<std::int32_t> EpgSQLPluginVexmoor::programCounts[32] = {};
+constinit std::atomic<std::uint32_t> EpgSQLPluginVexmoor::lastUpdateTime = 0;
+constinit std::atomic<std::int32_t> EpgSQLPluginVexmoor::channelCounts[32] = {};
+constinit std::atomic<std::int32_t> EpgSQLPluginVexmoor::programCounts[32] = {};
 
 Container::SharedPtr<EpgSQLPluginVexmoor> EpgSQLPluginVexmoor::Instance() {
     const Container::ScopedLock lock(instanceMutex);

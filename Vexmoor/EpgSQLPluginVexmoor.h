@@ -21,6 +21,33 @@
 /// The class's one logger, "Vexmoor/EpgSQLPluginVexmoor".
 extern const Container::Logger pluginLogger;
 
+/// Columns of the table as the import numbers them: fixed identifiers, not positions. The number comes
+/// before the path here and after it in the table, on purpose.
+enum class ColumnCode : int {
+    None = 0,
+    ChannelId = 1,
+    ChannelName = 2,
+    ChannelNumber = 3,
+    ChannelPath = 4,
+    AntennaType = 5,
+    ScrambledFlag = 6,
+    ServiceType = 7,
+    EventId = 8,
+    ProgramName = 9,
+    ProgramStartTime = 10,
+    ProgramEndTime = 11,
+    ScheduleId = 12,
+    ScheduleType = 13,
+    Repeat = 14,
+    ProgramCRID = 15
+};
+
+/// Whose short keys ("id", "name") the columns of a row get; the same numbers say what a list is of.
+enum KeyView { ChannelView = 1, ProgramView = 2, ScheduleView = 3 };
+
+/// Which columns a SELECT list names. The first two equal the views that they are the defaults of.
+enum SelectKind { DefaultChannelColumns = 1, DefaultProgramColumns = 2, ChosenColumns = 4, AllColumns = 5 };
+
 /// Stands where a programme's picture or page would: a URL that leads nowhere.
 constexpr const char* placeholderUrl = "about:blank";
 
@@ -79,6 +106,8 @@ protected:  // open to derived classes, so that each operation can be tried alon
     static void m_addItemsToInsertSql(std::list<std::string>* values, std::string& value);
     static void m_replaceSingleQuotes(std::string& text);
     static void m_getViewNameFrmSql(const std::string& sql, std::string& name);
+
+    // Kept, although nothing calls them:
     static void m_getTableNameFrmSql(const std::string& sql, std::string& name);
     static bool m_TableCreated(std::string& table, std::map<std::string, std::string>& tables);
     static int m_getIntFrmDateTimeString(const std::string& text);
@@ -110,23 +139,41 @@ protected:  // open to derived classes, so that each operation can be tried alon
     /// The query's parameters by name; the last of one name counts.
     static ParameterMap m_copyQueryParams(const TARNO_rstr_uri_query_st* query);
 
-    /// Takes the paging texts out of the parameters, empty when absent; false when one is refused.
+    /// Copies the paging texts, empty when absent; false when one is refused.
     static bool m_getPagingParams(const ParameterMap& parameters, std::string& itemsMax,
                                   std::string& startIndex);
 
-    // SQL clauses: each appends to `sql`; -1 when there is no memory for the column list ----------
+    // SQL clauses --------------------------------------------------------------------------------
+
+    /// Appends the columns that a "select" or "sort" value stands for under a view, in a fixed order.
     static void m_getColNamesFrmQueryParam(const std::string& value, std::list<std::string>& columns,
                                            int view);
+
+    /// Appends "SELECT " and the columns. Answers the SelectKind; -1 without memory for the list.
     static int m_getSqlSelectCols(std::string& sql, const ParameterMap& parameters, int view);
+
+    /// Collects the conditions by column; always 0.
     static int m_getWhereConditions(std::map<std::string, std::string>& conditions,
                                     const ParameterMap& parameters, int view);
+
+    /// Appends the WHERE clause: 0 when it did, 1 when there is no condition.
     static int m_getSqlWhereConditions(std::string& sql, const ParameterMap& parameters, int view);
+
+    /// Appends the ORDER BY clause: 0; -1 without memory for the list.
     static int m_getSqlSortConditions(std::string& sql, const ParameterMap& parameters, int view);
 
-    // Result rows --------------------------------------------------------------------------------
+    // Result rows: of a statement that has just given one ------------------------------------------
+
+    /// Reads the current row by REST key; -1 for a null statement.
     static int m_getSqlRowData(sqlite3_stmt* statement, int keyView, std::map<std::string, std::string>& row);
+
+    /// Writes the current row into an object of the document; -1 for a null argument.
     static int m_output_sql_result(void* object, int keyView, sqlite3_stmt* statement);
+
+    /// Traces the first eight columns of the current row; 0.
     static int m_printSqlRowData(Statement& statement);
+
+    // Lists: one page of a statement's rows. 200, 204 without a row, -1 without an object.
     static int m_getChnlListResults(std::string sql, void* document, std::string itemsMax,
                                     std::string startIndex, int selectKind, ConnectionPtr connection);
     static int m_getPrgmListForChnlResults(std::string sql, void* document, std::string itemsMax,
@@ -146,6 +193,8 @@ protected:  // open to derived classes, so that each operation can be tried alon
     static int m_execChnlInfoSqlQuery(const char* channelId, void* document, const char* method,
                                       ConnectionPtr connection);
     static int m_getChnlInfoResults(std::string sql, void* document, ConnectionPtr connection);
+
+    /// 0 when the channel has a row, else -1.
     static int m_checkForChannelInDB(const char* channelId, ConnectionPtr connection);
 
     /// Whether the method is exactly "GET"; warns when it is not.
@@ -156,6 +205,9 @@ protected:  // open to derived classes, so that each operation can be tried alon
     struct Route;
     static const Route m_routes[];
     static int m_answerUnbuilt(const RestRequest& request);
+
+    /// Kept, although nothing calls it: 0 when the query's first name is "sql", else -1. The record has at
+    /// least one pair.
     static int m_ParseClientCommand(TARNO_rstr_uri_query_st* queryRecord, void* document);
 
     // State, made in this order when the library is loaded ------------------------------------------

@@ -2,7 +2,8 @@
 //
 // Texts that a function hands out are NUL-terminated heap texts, which the receiver releases with free
 // (HeapText holds them); null means "no value". Objects that a lookup hands out are new and owned by
-// the caller. Nothing here throws or keeps state.
+// the caller; null when none matches. Nothing here keeps state, and nothing throws but std::bad_alloc, when
+// the middleware has no memory for a list.
 #pragma once
 
 #include <cstddef>
@@ -45,7 +46,8 @@ char* t_change_UTF8_to_ZorviStr(const char* text);
 
 // Time ------------------------------------------------------------------------------------------------
 
-/// "%04d-%02d-%02dT%02d:%02d:%02d%c%02d:%02d" of UNIX seconds in the set's zone.
+/// "%04d-%02d-%02dT%02d:%02d:%02d%c%02d:%02d" of UNIX seconds in the set's zone. The digits hold the
+/// daylight-saving hour, the printed offset does not.
 char* t_get_ISO8601_from_UNIX(long long unixTime);
 
 /// UNIX seconds of an ISO 8601 text; -1 for one that cannot be read.
@@ -118,30 +120,35 @@ int t_get_tvmode_from_name(const char* name);  ///< ignoring case; -1 for null o
 char* t_get_schedule_status_str(CReminder::RESERVE_TYPE type);
 char* t_get_channel_service_type(TCChannel* channel);
 
+/// "cid-%03d-%d-%d", the minor number left out when it is not above 0.
 char* t_get_channel_id(int tvmode, short major, short minor);
+/// "7", or "7-2" with a minor number.
 char* t_get_channel_num(TCChannel* channel);
+/// "/ws/epg2/channels/" and the identifier.
 char* t_get_channel_path(TCChannel* channel);
 char* t_get_channel_name(TCChannel* channel);
 
+/// "pid-%03d-%d-%d-%d"; the minor number stands there always, without its sign.
 char* t_get_program_id2(int tvmode, int major, int minor, int event_id);
 char* t_get_program_id(TCChannel* channel, TCProgram* program);
 char* t_get_program_name(TCProgram* program);
 char* t_get_program_sysnopsis(TCProgram* program);  // spelled so
 char* t_get_program_scrambled(TCChannel* channel, TCProgram* program);
-char* t_get_program_category(TCProgram* program);
-char* t_get_program_attributes(TCProgram* program);
-char** t_get_program_series(TCProgram* program);  ///< a heap array of one heap text, or null
+char* t_get_program_category(TCProgram* program);    ///< always null
+char* t_get_program_attributes(TCProgram* program);  ///< always null
+char** t_get_program_series(TCProgram* program);     ///< a heap array of one heap text, or null
 
 /// A new record of a channel's programme; null for a null argument or without memory.
 ws_epg_program* t_create_program(TCChannel* channel, TCProgram* program);
 void t_delete_program(ws_epg_program* program);
 
+/// "sch_id_%d" of the UID.
 char* t_get_schedule_id(CRemindInfo* info);
 char* t_get_schedule_name(CRemindInfo* info);
 char* t_get_schedule_synopsis(CRemindInfo* info);
 char* t_get_schedule_repeat(CRemindInfo* info);
-char* t_get_schedule_storage_path(CRemindInfo* info);
-char* t_get_schedule_recent_path(CRemindInfo* info);
+char* t_get_schedule_storage_path(CRemindInfo* info);  ///< always null
+char* t_get_schedule_recent_path(CRemindInfo* info);   ///< always null
 char* t_get_schedule_method(CRemindInfo* info);
 char* t_get_schedule_program_id(TCChannel* channel, CRemindInfo* info);
 
@@ -178,7 +185,8 @@ TCChannel* t_get_cached_channel_by_num(int tvmode, int major, int minor);
 /// The digital channel whose identifier is `channel_id`.
 TCChannel* t_get_cached_channel_by_id(const char* channel_id);
 
-/// The programmes of a channel between two UNIX times; 0 or less for no limit. Null when there are none.
+/// The programmes of a channel between two UNIX times; 0 or less for no limit, an end before the start for
+/// four hours from the start. Null when there are none.
 CCSortedList* t_get_cached_program_list(TCChannel* channel, long long start, long long end);
 
 /// The programme whose identifier is `program_id`, and its channel when `channel` is not null.

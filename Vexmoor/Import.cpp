@@ -5,6 +5,7 @@
 // and saves less than a tenth of the time in memory.
 #include <algorithm>
 #include <cstdint>
+#include <list>
 #include <memory>
 #include <new>
 #include <string>
@@ -19,9 +20,6 @@
 namespace {
 
 constexpr std::uint32_t importHorizon = 604800;  // seven days
-constexpr int firstScheduleCode = 12;
-constexpr int lastScheduleCode = 14;
-constexpr int cridCode = 15;
 
 /// Runs every statement of a text; raises when one fails.
 void runOrRaise(const std::string& sql, const Container::SharedPtr<Connection>& connection) {
@@ -43,8 +41,13 @@ const char* scrambledText(const TCChannel& channel) {
     return channel.FlagScrambled() != 0 ? "true" : "false";
 }
 
-/// Replaces `value` by the text of a column code from 1 to 11, when its source has one.
-void readColumn(int code, TCChannel* channel, const ws_epg_program* record, std::string& value) {
+/// Whether a column's value comes from the channel or the programme record.
+bool isGuideColumn(ColumnCode code) {
+    return code >= ColumnCode::ChannelId && code <= ColumnCode::ProgramEndTime;
+}
+
+/// Replaces `value` by the text of a guide column, when its source has one.
+void readColumn(ColumnCode code, TCChannel* channel, const ws_epg_program* record, std::string& value) {
     const auto take = [&value](char* heapText) {
         const HeapText text(heapText);
         if (text) value = text.get();
@@ -53,28 +56,28 @@ void readColumn(int code, TCChannel* channel, const ws_epg_program* record, std:
         if (text != nullptr) value = text;
     };
     switch (code) {
-        case 1:
+        case ColumnCode::ChannelId:
             return take(t_get_channel_id(channel->TvMode(), channel->Major(), channel->Minor()));
-        case 2:
+        case ColumnCode::ChannelName:
             return take(t_get_channel_name(channel));
-        case 3:
+        case ColumnCode::ChannelNumber:
             return take(t_get_channel_num(channel));
-        case 4:
+        case ColumnCode::ChannelPath:
             return take(t_get_channel_path(channel));
-        case 5:
+        case ColumnCode::AntennaType:
             return take(t_get_name_from_tvmode(channel->TvMode()));
-        case 6:
+        case ColumnCode::ScrambledFlag:
             return copy(scrambledText(*channel));
-        case 7:
+        case ColumnCode::ServiceType:
             return take(t_get_channel_service_type(channel));
-        case 8:
+        case ColumnCode::EventId:
             return copy(record->program_id);
-        case 9:
+        case ColumnCode::ProgramName:
             return copy(record->name);
-        case 10:
+        case ColumnCode::ProgramStartTime:
             value = std::to_string(secondsOf(record->start));
             return;
-        case 11:
+        case ColumnCode::ProgramEndTime:
             value = std::to_string(secondsOf(record->end));
             return;
         default:
@@ -167,12 +170,12 @@ void EpgSQLPluginVexmoor::m_getDataFromEpgCacheFAST(std::vector<int>* codes, std
     const bool found = reminder != nullptr && reminder->FindRemindItemFromProgram(*program, info);
 
     for (const int code : *codes) {
-        if (code < firstScheduleCode) {
-            readColumn(code, channel, record, value);
+        if (isGuideColumn(ColumnCode{code})) {
+            readColumn(ColumnCode{code}, channel, record, value);
             m_addItemsToInsertSql(&values, value);
         }
         m_getSchedDataFromEpgCache(code, &values, found, &info);
-        if (code == cridCode) {
+        if (ColumnCode{code} == ColumnCode::ProgramCRID) {
             std::string crids;
             m_getCRIDsForPrgm(program, crids);
             m_addItemsToInsertSql(&values, crids);
@@ -189,12 +192,14 @@ void EpgSQLPluginVexmoor::m_getDataFromEpgCacheFAST(std::vector<int>* codes, std
 
 void EpgSQLPluginVexmoor::m_getSchedDataFromEpgCache(int code, std::list<std::string>* values, bool found,
                                                      CRemindInfo* info) {
-    if (code < firstScheduleCode || code > lastScheduleCode) return;
+    const ColumnCode column{code};
+    if (column < ColumnCode::ScheduleId || column > ColumnCode::Repeat) return;
     std::string value;
     if (found) {
-        const HeapText text(code == 12   ? t_get_schedule_id(info)
-                            : code == 13 ? t_get_schedule_status_str(info->ReserveType())
-                                         : t_get_schedule_repeat(info));
+        const HeapText text(column == ColumnCode::ScheduleId ? t_get_schedule_id(info)
+                            : column == ColumnCode::ScheduleType
+                                ? t_get_schedule_status_str(info->ReserveType())
+                                : t_get_schedule_repeat(info));
         if (text) value = text.get();
     }
     m_addItemsToInsertSql(values, value);

@@ -5,9 +5,11 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "Vexmoor/EpgSQLPluginVexmoorUtil.h"
 #include "Vexmoor/HeapText.h"
+#include "Vexmoor/TextCompare.h"
 #include "host/AppTV.h"
 
 namespace {
@@ -48,10 +50,6 @@ void visitAllDigitalChannels(Visit visit) {
     }
 }
 
-bool isText(const HeapText& text, const char* expected) {
-    return text && std::strcmp(text.get(), expected) == 0;
-}
-
 /// A copy of the channel's programme of that identifier; null when it has none.
 std::unique_ptr<TCProgram> findProgram(TCChannel& channel, const char* program_id) {
     const ProgramList programs(t_get_cached_program_list(&channel, 0, 0));
@@ -59,7 +57,7 @@ std::unique_ptr<TCProgram> findProgram(TCChannel& channel, const char* program_i
     for (bool more = programs->Seek(CCSortedList::First, 0); more && programs->Data() != nullptr;
          more = programs->Seek(CCSortedList::Current, 1)) {
         const HeapText id(t_get_program_id(&channel, programs->Data()));
-        if (isText(id, program_id))
+        if (isText(id.get(), program_id))
             return std::unique_ptr<TCProgram>(new (std::nothrow) TCProgram(*programs->Data()));
         programs->Delete();
     }
@@ -108,7 +106,7 @@ TCChannel* t_get_cached_channel_by_id(const char* channel_id) {
     if (channel_id == nullptr) return nullptr;
     visitAllDigitalChannels([&](std::unique_ptr<TCChannel>& channel) {
         const HeapText id(t_get_channel_id(channel->TvMode(), channel->Major(), channel->Minor()));
-        if (!isText(id, channel_id)) return false;
+        if (!isText(id.get(), channel_id)) return false;
         found = std::move(channel);
         return true;
     });
@@ -150,7 +148,7 @@ CRemindInfo* t_get_cached_schedule_by_id(const char* schedule_id, TCChannel** ch
     const int uid = t_read_int(schedule_id + prefixLength);
     std::unique_ptr<CRemindInfo> info(new (std::nothrow) CRemindInfo());
     if (!info) return nullptr;
-    if (!reminder->GetRemindItemByUid(static_cast<unsigned long>(uid), *info)) {
+    if (!reminder->GetRemindItemByUid(static_cast<unsigned>(uid), *info)) {
         adapterLogger.warning("GetRemindItemByUid fail (uid:%d)", uid);
         return nullptr;
     }

@@ -2,8 +2,9 @@
 #include <boost/tokenizer.hpp>
 
 #include <algorithm>
-#include <cstring>
+#include <cstdint>
 #include <iterator>
+#include <map>
 #include <string>
 
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
@@ -14,11 +15,12 @@ constexpr const char* acceptedFieldNames[] = {"name",         "id",           "c
                                               "program_id",   "program_name", "scrambled",   "antenna",
                                               "service_type", "start",        "end"};
 
-/// Reads a time parameter and traces it; a negative time is none.
-long long readTime(const std::string& name, const std::string& value) {
-    pluginLogger.trace((name + " string: %s\n").c_str(), value);
-    const long long time = t_get_UNIX_from_ISO8601(value.c_str());
-    pluginLogger.trace((name + " int: %d\n").c_str(), static_cast<int>(time));
+/// Reads and traces a time parameter; negative when it cannot be read. 32 bits wide, on purpose: from 2038
+/// on the sign is negative.
+std::int32_t readTime(bool isStart, const std::string& value) {
+    pluginLogger.trace(isStart ? "start string: %s\n" : "end string: %s\n", value);
+    const auto time = static_cast<std::int32_t>(t_get_UNIX_from_ISO8601(value.c_str()));
+    pluginLogger.trace(isStart ? "start int: %d\n" : "end int: %d\n", time);
     return time;
 }
 
@@ -57,9 +59,9 @@ int EpgSQLPluginVexmoor::m_validateQueryParams(TARNO_rstr_uri_query_st* query) {
         } else if (name == "scrambled") {
             if (value != "true" && value != "false") return -1;
         } else if (name == "start" || name == "end") {
-            // 32 bits wide, on purpose: from 2038 on the sign is negative.
-            std::int32_t& time = name == "start" ? start : end;
-            time = static_cast<std::int32_t>(readTime(name, value));
+            const bool isStart = name == "start";
+            std::int32_t& time = isStart ? start : end;
+            time = readTime(isStart, value);
             if (time < 0) return -1;
         } else if (name == "select") {
             const boost::char_separator<char> separator("|");

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <utility>
 
 #include "Vexmoor/ColumnText.h"
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
@@ -10,7 +11,6 @@
 
 namespace {
 
-constexpr int kindSelected = 4;  ///< select kind of columns chosen by the client
 constexpr int dumpedColumns = 8;
 constexpr int defaultItemsMax = 200;
 
@@ -125,7 +125,7 @@ int EpgSQLPluginVexmoor::m_getListResults(const ListStyle& style, const std::str
         if (row == nullptr) return -1;
         TARNO_rdoc_add_object(items, nullptr, row);
         m_output_sql_result(row, style.keyView, statement.handle());
-        if (selectKind != kindSelected) {
+        if (selectKind != ChosenColumns) {
             TARNO_rdoc_add_UTF8(row, "thumb_uri", placeholderUrl);
             TARNO_rdoc_add_UTF8(row, "category", "TBD");
         }
@@ -144,20 +144,32 @@ int EpgSQLPluginVexmoor::m_getListResults(const ListStyle& style, const std::str
 int EpgSQLPluginVexmoor::m_getChnlListResults(std::string sql, void* document, std::string itemsMax,
                                               std::string startIndex, int selectKind,
                                               ConnectionPtr connection) {
-    constexpr ListStyle style = {1, true, 1000, true, false};
+    constexpr ListStyle style = {.keyView = ChannelView,
+                                 .writesAllUnpaged = true,
+                                 .itemsMaxWithStartAlone = 1000,
+                                 .logsPagedRows = true,
+                                 .logsPaging = false};
     return m_getListResults(style, sql, document, itemsMax, startIndex, selectKind, connection);
 }
 
 int EpgSQLPluginVexmoor::m_getPrgmListForChnlResults(std::string sql, void* document, std::string itemsMax,
                                                      std::string startIndex, int selectKind,
                                                      ConnectionPtr connection) {
-    constexpr ListStyle style = {2, false, defaultItemsMax, false, true};
+    constexpr ListStyle style = {.keyView = ProgramView,
+                                 .writesAllUnpaged = false,
+                                 .itemsMaxWithStartAlone = defaultItemsMax,
+                                 .logsPagedRows = false,
+                                 .logsPaging = true};
     return m_getListResults(style, sql, document, itemsMax, startIndex, selectKind, connection);
 }
 
 int EpgSQLPluginVexmoor::m_getPrgmListResults(std::string sql, void* document, std::string itemsMax,
                                               std::string startIndex, int selectKind,
                                               ConnectionPtr connection) {
-    constexpr ListStyle style = {2, false, defaultItemsMax, false, false};
+    constexpr ListStyle style = {.keyView = ProgramView,
+                                 .writesAllUnpaged = false,
+                                 .itemsMaxWithStartAlone = defaultItemsMax,
+                                 .logsPagedRows = false,
+                                 .logsPaging = false};
     return m_getListResults(style, sql, document, itemsMax, startIndex, selectKind, connection);
 }

@@ -3,14 +3,11 @@
 #include <string>
 
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
+#include "Vexmoor/TextCompare.h"
 
 namespace {
 
 enum class Methods { Any, Get, Change };  // Change: PUT, POST and DELETE
-
-bool isText(const char* text, const char* expected) {
-    return text != nullptr && std::strcmp(text, expected) == 0;
-}
 
 bool matches(Methods methods, const char* method) {
     switch (methods) {
@@ -54,7 +51,7 @@ int EpgSQLPluginVexmoor::m_answerUnbuilt(const RestRequest& request) {
     return 404;
 }
 
-const EpgSQLPluginVexmoor::Route EpgSQLPluginVexmoor::m_routes[] = {
+constinit const EpgSQLPluginVexmoor::Route EpgSQLPluginVexmoor::m_routes[] = {
     {"channels", 2, nullptr, Methods::Any,
      [](const RestRequest& r) { return m_execChnlListSqlQuery(r.query, r.document, r.method, r.connection); },
      "Channels query against EpgSQLPlug-in\n"},

@@ -13,13 +13,20 @@ struct ColumnKey {
 };
 
 constexpr ColumnKey columnKeys[] = {
-    {"ChannelId", "channel_id", 1, "id"},         {"ChannelName", "channel_name", 1, "name"},
-    {"ChannelNumber", "channel_num", 0, nullptr}, {"ChannelPath", "channel_path", 0, nullptr},
-    {"AntennaType", "antenna", 0, nullptr},       {"ScrambledFlag", "scrambled", 0, nullptr},
-    {"ServiceType", "service_type", 0, nullptr},  {"EventId", "program_id", 2, "id"},
-    {"ProgramName", "program_name", 2, "name"},   {"ProgramStartTime", "start", 0, nullptr},
-    {"ProgramEndTime", "end", 0, nullptr},        {"ScheduleId", "schedule_id", 3, "id"},
-    {"ScheduleType", "status", 0, nullptr},       {"Repeat", "repeat", 0, nullptr},
+    {"ChannelId", "channel_id", ChannelView, "id"},
+    {"ChannelName", "channel_name", ChannelView, "name"},
+    {"ChannelNumber", "channel_num", 0, nullptr},
+    {"ChannelPath", "channel_path", 0, nullptr},
+    {"AntennaType", "antenna", 0, nullptr},
+    {"ScrambledFlag", "scrambled", 0, nullptr},
+    {"ServiceType", "service_type", 0, nullptr},
+    {"EventId", "program_id", ProgramView, "id"},
+    {"ProgramName", "program_name", ProgramView, "name"},
+    {"ProgramStartTime", "start", 0, nullptr},
+    {"ProgramEndTime", "end", 0, nullptr},
+    {"ScheduleId", "schedule_id", ScheduleView, "id"},
+    {"ScheduleType", "status", 0, nullptr},
+    {"Repeat", "repeat", 0, nullptr},
 };
 
 }  // namespace

@@ -1,40 +1,45 @@
 // SQL texts of the import: what the schema template describes, as CREATE and INSERT statements.
+#include <algorithm>
+#include <cstddef>
 #include <ctime>
+#include <list>
+#include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
 
 namespace {
 
-constexpr int noCode = 0;
 constexpr std::size_t longestName = 32;
 
 struct Column {
     const char* name;
-    int code;  ///< a fixed identifier, not a position
+    ColumnCode code;
     bool isTime;
     const char* definition;
 };
 
 /// The columns that a template may name, in the order in which they are searched for and listed.
 constexpr Column columns[] = {
-    {"ChannelId", 1, false, "ChannelId varchar(32)"},
-    {"ChannelName", 2, false, "ChannelName varchar(255)"},
-    {"ChannelPath", 4, false, "ChannelPath varchar(255)"},
-    {"ChannelNumber", 3, false, "ChannelNumber varchar(255)"},
-    {"AntennaType", 5, false, "AntennaType varchar(32)"},
-    {"ScrambledFlag", 6, false, "ScrambledFlag varchar(5)"},
-    {"ServiceType", 7, false, "ServiceType varchar(10)"},
-    {"ThumbURI", noCode, false, "ThumbURI varchar(255)"},
-    {"EventId", 8, false, "EventId varchar(32)"},
-    {"ProgramName", 9, false, "ProgramName varchar(255)"},
-    {"ProgramSynopsis", noCode, false, "ProgramSynopsis varchar(1)"},
-    {"ProgramStartTime", 10, true, "ProgramStartTime INTEGER UNSIGNED"},
-    {"ProgramEndTime", 11, true, "ProgramEndTime INTEGER UNSIGNED"},
-    {"ScheduleId", 12, false, "ScheduleId varchar(32)"},
-    {"ScheduleType", 13, false, "ScheduleType varchar(32)"},
-    {"Repeat", 14, false, "Repeat varchar(32)"},
-    {"ProgramCRID", 15, false, "ProgramCRID varchar(255)"},
+    {"ChannelId", ColumnCode::ChannelId, false, "ChannelId varchar(32)"},
+    {"ChannelName", ColumnCode::ChannelName, false, "ChannelName varchar(255)"},
+    {"ChannelPath", ColumnCode::ChannelPath, false, "ChannelPath varchar(255)"},
+    {"ChannelNumber", ColumnCode::ChannelNumber, false, "ChannelNumber varchar(255)"},
+    {"AntennaType", ColumnCode::AntennaType, false, "AntennaType varchar(32)"},
+    {"ScrambledFlag", ColumnCode::ScrambledFlag, false, "ScrambledFlag varchar(5)"},
+    {"ServiceType", ColumnCode::ServiceType, false, "ServiceType varchar(10)"},
+    {"ThumbURI", ColumnCode::None, false, "ThumbURI varchar(255)"},
+    {"EventId", ColumnCode::EventId, false, "EventId varchar(32)"},
+    {"ProgramName", ColumnCode::ProgramName, false, "ProgramName varchar(255)"},
+    {"ProgramSynopsis", ColumnCode::None, false, "ProgramSynopsis varchar(1)"},
+    {"ProgramStartTime", ColumnCode::ProgramStartTime, true, "ProgramStartTime INTEGER UNSIGNED"},
+    {"ProgramEndTime", ColumnCode::ProgramEndTime, true, "ProgramEndTime INTEGER UNSIGNED"},
+    {"ScheduleId", ColumnCode::ScheduleId, false, "ScheduleId varchar(32)"},
+    {"ScheduleType", ColumnCode::ScheduleType, false, "ScheduleType varchar(32)"},
+    {"Repeat", ColumnCode::Repeat, false, "Repeat varchar(32)"},
+    {"ProgramCRID", ColumnCode::ProgramCRID, false, "ProgramCRID varchar(255)"},
 };
 
 /// Whether the text names the column. A time column that "=" follows is part of a condition and does
@@ -45,6 +50,13 @@ bool names(const std::string& query, const Column& column) {
     if (position == std::string::npos) return false;
     const std::size_t after = position + name.size();
     return !(column.isTime && after < query.size() && query[after] == '=');
+}
+
+/// The definition of a column; empty for a name without one.
+const char* definitionOf(const std::string& name) {
+    for (const Column& column : columns)
+        if (name == column.name) return column.definition;
+    return "";
 }
 
 /// Hands the named columns to `take`; after "AS SELECT * " all of them once more, doubled on purpose.
@@ -87,14 +99,16 @@ void EpgSQLPluginVexmoor::m_extractColsFrmQuery(std::string& query, std::list<st
 
 void EpgSQLPluginVexmoor::m_extractColsFrmQueryInt(std::string& query, std::vector<int>* codes) {
     extractColumns(query, [codes](const Column& column) {
-        if (column.code != noCode) codes->push_back(column.code);
+        if (column.code != ColumnCode::None) codes->push_back(static_cast<int>(column.code));
     });
 }
 
 void EpgSQLPluginVexmoor::m_getCreateTblSql(std::string templateText, std::string& sql, std::string& table) {
+    std::list<std::string> names;
+    m_extractColsFrmQuery(templateText, &names);
     std::list<std::string> definitions;
-    extractColumns(templateText,
-                   [&definitions](const Column& column) { definitions.push_back(column.definition); });
+    for (const std::string& name : names)
+        definitions.push_back(definitionOf(name));
     m_formatCreateSql(definitions, sql, table);
 }
 
@@ -129,9 +143,13 @@ void EpgSQLPluginVexmoor::m_addItemsToInsertSql(std::list<std::string>* values, 
 }
 
 void EpgSQLPluginVexmoor::m_replaceSingleQuotes(std::string& text) {
-    for (std::size_t position = text.find('\''); position != std::string::npos;
-         position = text.find('\'', position + 2))
-        text.replace(position, 1, "''");
+    const auto quotes = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\''));
+    if (quotes == 0) return;
+    std::string doubled;
+    doubled.reserve(text.size() + quotes);
+    for (const char character : text)
+        doubled.append(character == '\'' ? 2 : 1, character);
+    text = std::move(doubled);
 }
 
 void EpgSQLPluginVexmoor::m_getViewNameFrmSql(const std::string& sql, std::string& name) {

@@ -27,7 +27,7 @@ public:
         if (number < 0) {
             add(from++, 1);
             --length;
-            width -= width != 0;
+            if (width > 0) --width;  // the sign counts
         }
         for (std::size_t i = length; i < width; ++i)
             add("0", 1);

@@ -92,6 +92,7 @@ long long daysSinceEpoch(int year, int month, int day) {
 
 char* t_get_ISO8601_from_UNIX(long long unixTime) {
     const int zone = zoneOffset();
+    static_assert(sizeof(std::time_t) == 8, "times reach beyond 2038: 32-bit systems build with 64-bit time");
     // The clock's digits hold the daylight-saving hour, the printed offset does not, on purpose.
     const std::time_t local = static_cast<std::time_t>(unixTime + zone + daylightSavingOffset());
     std::tm parts = {};

@@ -13,7 +13,7 @@ public:
     /// Sets the response header `name`, replacing an earlier value.
     virtual void setHeader(const std::string& name, const std::string& value) = 0;
 
-    /// Sets the HTTP status. What lies outside 100 to 599 is sent as 500.
+    /// Sets the HTTP status. What is no final status (200 to 599) is sent as 500.
     virtual void setStatus(int status) = 0;
 
     /// The stream that the body is written to; owned by the response.

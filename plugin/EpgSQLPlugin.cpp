@@ -1,6 +1,7 @@
 // The plug-in's frame: entry point, descriptor, request handler and maintenance callback.
 #include "plugin/EpgSQLPlugin.h"
 
+#include <cstdint>
 #include <string>
 
 #include "Vexmoor/EpgSQLPluginVexmoor.h"

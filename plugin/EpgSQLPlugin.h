@@ -1,8 +1,6 @@
 // The plug-in's frame: what its sources share.
 #pragma once
 
-#include <cstddef>
-
 #include "host/HttpRequest.h"
 #include "host/HttpResponse.h"
 #include "host/Logger.h"

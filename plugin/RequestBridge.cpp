@@ -1,11 +1,12 @@
 // From an HTTP request to the service and back: format, body, records, status, headers, document.
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
 #include "Vexmoor/HeapText.h"
+#include "Vexmoor/TextCompare.h"
 #include "host/ResponseDocument.h"
 #include "host/Uri.h"
 #include "plugin/EpgSQLPlugin.h"
@@ -31,10 +32,6 @@ struct RequestResources {
         if (body != nullptr) std::free(body);
     }
 };
-
-bool isText(const char* text, const char* expected) {
-    return text != nullptr && std::strcmp(text, expected) == 0;
-}
 
 /// XML only when the client accepts it and does not accept JSON.
 int formatFor(const Container::HttpRequest& request) {
