@@ -1,14 +1,7 @@
 // The channel resources: the list, one channel, and whether a channel exists.
-#include <cstring>
 #include <string>
 
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
-
-bool EpgSQLPluginVexmoor::m_isGet(const char* method) {
-    if (method != nullptr && std::strcmp(method, "GET") == 0) return true;
-    pluginLogger.warning("Function does not support this %s method", method);
-    return false;
-}
 
 int EpgSQLPluginVexmoor::m_execChnlListSqlQuery(TARNO_rstr_uri_query_st* query, void* document,
                                                 const char* method, ConnectionPtr connection) {
@@ -41,24 +34,12 @@ int EpgSQLPluginVexmoor::m_execChnlInfoSqlQuery(const char* channelId, void* doc
 }
 
 int EpgSQLPluginVexmoor::m_getChnlInfoResults(std::string sql, void* document, ConnectionPtr connection) {
-    Statement statement;
-    statement.setConnection(connection);
-    pluginLogger.trace("SQL query set as: %s", sql);
-    statement.setSql(sql);
-    statement.compile();
-    const bool found = sqlite3_step(statement.handle()) == SQLITE_ROW;
-    if (found) m_output_sql_result(document, ChannelView, statement.handle());
-    statement.close();
-    return found ? 200 : 404;
+    return m_writeFirstRow(sql, ChannelView, document, connection);
 }
 
 int EpgSQLPluginVexmoor::m_checkForChannelInDB(const char* channelId, ConnectionPtr connection) {
-    Statement statement;
-    statement.setConnection(connection);
-    statement.setSql("SELECT ChannelId From myView WHERE ChannelId='" + std::string(channelId) + "';");
-    statement.compile();
-    const bool found = sqlite3_step(statement.handle()) == SQLITE_ROW;
+    const bool found = m_hasRow(
+        "SELECT ChannelId From myView WHERE ChannelId='" + std::string(channelId) + "';", connection);
     pluginLogger.trace(found ? "Channel exists in DB!\n" : "Channel does not exists in DB!\n");
-    statement.close();
     return found ? 0 : -1;
 }

@@ -200,11 +200,71 @@ protected:  // open to derived classes, so that each operation can be tried alon
     /// Whether the method is exactly "GET"; warns when it is not.
     static bool m_isGet(const char* method);
 
+    /// Writes the first row of a statement into the document root: 200, or 404 without a row.
+    static int m_writeFirstRow(const std::string& sql, int keyView, void* document, ConnectionPtr connection);
+
+    /// Whether a statement gives a row.
+    static bool m_hasRow(const std::string& sql, ConnectionPtr connection);
+
+    // Programme queries --------------------------------------------------------------------------
+    static int m_execPrgmListSqlQuery(TARNO_rstr_uri_query_st* query, void* document, const char* method,
+                                      ConnectionPtr connection);
+    static int m_execPrgmListForChnlSqlQuery(const char* channelId, TARNO_rstr_uri_query_st* query,
+                                             void* document, const char* method, ConnectionPtr connection);
+    static int m_execPrgmInfoSqlQuery(const char* programId, void* document, const char* method,
+                                      ConnectionPtr connection);
+    static int m_getPrgmInfoResults(std::string sql, const char* programId, void* document,
+                                    ConnectionPtr connection);
+    static int m_getPrgmDetailQuery(const char* programId, void* document, const char* method,
+                                    ConnectionPtr connection);
+
+    /// The programme's synopsis, which the caller releases with free unless it is programWithoutSynopsis;
+    /// may be null.
+    static char* m_getPrgmSynopsis(const char* programId, ConnectionPtr connection);
+    static int m_checkForProgramInDB(const char* programId, ConnectionPtr connection);
+
+    /// Stands for the synopsis of a programme that cannot be found: "NONE", recognised by its text and
+    /// never released.
+    static char programWithoutSynopsis[];
+
+    // Schedule queries ---------------------------------------------------------------------------
+    static int m_execSchedulesSqlQuery(void* document, const char* method, ConnectionPtr connection);
+    static int m_getSchedulesResults(std::string sql, void* document, ConnectionPtr connection);
+    static int m_execSchedInfoSqlQuery(const char* scheduleId, void* document, const char* method,
+                                       ConnectionPtr connection);
+    static int m_getSchedInfoResults(std::string sql, const char* scheduleId, void* document,
+                                     ConnectionPtr connection);
+    static int m_execPrgmSchedInfoSqlQuery(const char* programId, void* document, const char* method,
+                                           ConnectionPtr connection);
+    static int m_getPrgmSchedInfoResults(std::string sql, const char* programId, void* document,
+                                         ConnectionPtr connection);
+
+    // Schedule mirror ----------------------------------------------------------------------------
+    static int m_removeDBSchedData(ConnectionPtr connection);
+    static int m_updateDBSchedData(ConnectionPtr connection);
+    static void m_insertSchedData(const std::string& channelId, const std::string& channelNumber,
+                                  const std::string& channelName, const std::string& serviceType,
+                                  const std::string& antennaType, const std::string& scrambledFlag,
+                                  const std::string& eventId, const std::string& startTime,
+                                  const std::string& endTime, const std::string& scheduleId,
+                                  const std::string& scheduleType, const std::string& repeat,
+                                  ConnectionPtr connection);
+    static bool m_checkIfEventIsInDB(const std::string& channelId, const std::string& eventId,
+                                     const std::string& scheduleId, ConnectionPtr connection);
+
+    // Client SQL ---------------------------------------------------------------------------------
+    static int m_SendSQLCmd(TARNO_rstr_uri_query_st* queryRecord, ConnectionPtr connection, void* document);
+
     // Router -------------------------------------------------------------------------------------
     struct RestRequest;
     struct Route;
     static const Route m_routes[];
-    static int m_answerUnbuilt(const RestRequest& request);
+    static int m_addSchedule(void* document, const char* method, TARNO_rstr_uri_query_st* queryRecord,
+                             char* body, int bodyLength, char* location);
+    static int m_modifyPrgmSchedule(void* document, const char* method, const char* programId, char* body,
+                                    int bodyLength, char* location);
+    static int m_modifySchedule(void* document, const char* method, const char* scheduleId, char* body,
+                                int bodyLength);
 
     /// Kept, although nothing calls it: 0 when the query's first name is "sql", else -1. The record has at
     /// least one pair.

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <vector>
 
 #include "host/CCSortedList.h"
 #include "host/CRemindInfo.h"
@@ -16,6 +17,7 @@
 #include "host/TCChannel.h"
 #include "host/TCObjectSortedList.h"
 #include "host/TCProgram.h"
+#include "host/Uri.h"
 
 /// The adapter's one logger, "Vexmoor/EpgSQLPluginVexmoorUtil".
 extern const Container::Logger adapterLogger;
@@ -194,6 +196,55 @@ TCProgram* t_get_cached_program_by_id(const char* program_id, TCChannel** channe
 
 /// The reminder whose identifier is `schedule_id`, and its channel when `channel` is not null.
 CRemindInfo* t_get_cached_schedule_by_id(const char* schedule_id, TCChannel** channel);
+
+// Schedule requests -----------------------------------------------------------------------------------
+
+/// Checks a request body as text: 0 when it passes, -1 otherwise.
+int t_validateSchedData(const char* body);
+
+/// -1 for a body that asks for a recording on a set that cannot record, and for null; else 0.
+int t_validateSchedDataRecord(const char* body);
+
+/// 1 when the set can record now, else 0.
+int t_checkForRecordingCapability();
+
+/// A new record of a body, which is cut up in place; null, logged, for one that cannot be parsed. The
+/// name is spelled so.
+ws_epg_schedule* t_prase_schedule_data(char* body, int length);
+
+// Services: each answers the HTTP status and writes its members into `node` ---------------------------
+
+/// One programme's schedule. `*location`, where there is one, receives a heap text on 201.
+int t_programs_id_schedule(void* node, const char* method, const char* program_id, char* body, int body_len,
+                           char** location);
+
+/// All schedules, and adding one by hand.
+int t_schedules(void* node, const char* method, TARNO_rstr_uri_query_st* query, char* body, int body_len,
+                char** location);
+
+/// One schedule.
+int t_schedules_id(void* node, const char* method, const char* schedule_id, char* body, int body_len);
+
+/// Fills a manual entry from a request, whose channel number is cut up in place: 0 when it is filled, or
+/// when the view was begun at once and nothing is; -1 for a request that is refused, logged.
+int t_set_manual_schedule_input(ws_epg_schedule* request, CRemindInfo* info);
+
+/// Adds a manual entry, or replaces that of `uid` when `update` is not 0: 0 done, 1 conflict, -1 refused.
+int t_set_manual_schedule(ws_epg_schedule* request, int update, unsigned long uid);
+
+/// Writes entries as a list under "items"; those without a channel are left out.
+void t_output_reminds(void* node, std::vector<CRemindInfo>& list);
+
+int t_recordingAvailable(void* node, const char* method);
+int t_recordingSpec(void* node, const char* method);
+int t_recordStop(void* node, const char* method, TARNO_rstr_uri_query_st* query);
+int t_antennas(void* node, const char* method);
+int t_UPnP_Info(void* root, const char* method);
+
+/// Scrapes a device description, which is changed in place; always 0.
+int t_UPnP_Info_parse_and_output(void* root, char* text);
+
+// Holders of middleware lists -------------------------------------------------------------------------
 
 /// Destroys a middleware list with the objects that it still holds.
 struct DestroyList {

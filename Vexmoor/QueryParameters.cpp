@@ -1,4 +1,5 @@
-// The request's query parameters: as a map, checked before routing, and the paging texts.
+// What a request may ask: its query parameters as a map, checked before routing, the paging texts, the
+// method of the read-only resources.
 #include <boost/tokenizer.hpp>
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <string>
 
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
+#include "Vexmoor/TextCompare.h"
 
 namespace {
 
@@ -83,4 +85,10 @@ bool EpgSQLPluginVexmoor::m_getPagingParams(const ParameterMap& parameters, std:
     startIndex = valueOf(parameters, "items_start_index");
     if (!itemsMax.empty() && t_read_int(itemsMax.c_str()) <= 0) return false;
     return startIndex.empty() || t_read_int(startIndex.c_str()) >= 0;
+}
+
+bool EpgSQLPluginVexmoor::m_isGet(const char* method) {
+    if (isText(method, "GET")) return true;
+    pluginLogger.warning("Function does not support this %s method", method);
+    return false;
 }

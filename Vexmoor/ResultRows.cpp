@@ -173,3 +173,26 @@ int EpgSQLPluginVexmoor::m_getPrgmListResults(std::string sql, void* document, s
                                  .logsPaging = false};
     return m_getListResults(style, sql, document, itemsMax, startIndex, selectKind, connection);
 }
+
+int EpgSQLPluginVexmoor::m_writeFirstRow(const std::string& sql, int keyView, void* document,
+                                         ConnectionPtr connection) {
+    Statement statement;
+    statement.setConnection(connection);
+    pluginLogger.trace("SQL query set as: %s", sql);
+    statement.setSql(sql);
+    statement.compile();
+    const bool found = sqlite3_step(statement.handle()) == SQLITE_ROW;
+    if (found) m_output_sql_result(document, keyView, statement.handle());
+    statement.close();
+    return found ? 200 : 404;
+}
+
+bool EpgSQLPluginVexmoor::m_hasRow(const std::string& sql, ConnectionPtr connection) {
+    Statement statement;
+    statement.setConnection(connection);
+    statement.setSql(sql);
+    statement.compile();
+    const bool found = sqlite3_step(statement.handle()) == SQLITE_ROW;
+    statement.close();
+    return found;
+}

@@ -30,6 +30,7 @@ struct EpgSQLPluginVexmoor::RestRequest {
     TARNO_rstr_uri_query_st* query;
     char* body;
     int bodyLength;
+    char* location;  ///< null, and by value: no handler can hand a location to the client
     ConnectionPtr connection;
 };
 
@@ -45,38 +46,64 @@ struct EpgSQLPluginVexmoor::Route {
     bool alwaysOk = false;  ///< the handler's own result is not heard: the status is 200
 };
 
-/// Stands where a resource's handler is not built yet.
-int EpgSQLPluginVexmoor::m_answerUnbuilt(const RestRequest& request) {
-    pluginLogger.warning("No handler yet for this %s request\n", request.method);
-    return 404;
-}
-
 constinit const EpgSQLPluginVexmoor::Route EpgSQLPluginVexmoor::m_routes[] = {
     {"channels", 2, nullptr, Methods::Any,
      [](const RestRequest& r) { return m_execChnlListSqlQuery(r.query, r.document, r.method, r.connection); },
      "Channels query against EpgSQLPlug-in\n"},
     {"channels", 3, nullptr, Methods::Any,
      [](const RestRequest& r) { return m_execChnlInfoSqlQuery(r.id, r.document, r.method, r.connection); }},
-    {"channels", 4, "programs", Methods::Any, m_answerUnbuilt},
-    {"programs", 2, nullptr, Methods::Any, m_answerUnbuilt, "Programs query against EpgSQLPlug-in\n"},
-    {"programs", 3, nullptr, Methods::Any, m_answerUnbuilt},
-    {"programs", 4, "detail", Methods::Any, m_answerUnbuilt},
-    {"programs", 4, "schedule", Methods::Any, m_answerUnbuilt, nullptr, "Schedule method being invoked!!\n"},
-    {"schedules", 2, nullptr, Methods::Get, m_answerUnbuilt, "Schedule query against EpgSQLPlug-in\n"},
-    {"schedules", 2, nullptr, Methods::Change, m_answerUnbuilt, "Schedule query against EpgSQLPlug-in\n"},
-    {"schedules", 3, nullptr, Methods::Get, m_answerUnbuilt},
-    {"schedules", 3, nullptr, Methods::Change, m_answerUnbuilt},
-    {"recordingAvailable", 2, nullptr, Methods::Any, m_answerUnbuilt, nullptr, nullptr, true},
-    {"recordingSpec", 2, nullptr, Methods::Any, m_answerUnbuilt, nullptr, nullptr, true},
-    {"antennas", 2, nullptr, Methods::Any, m_answerUnbuilt, nullptr, nullptr, true},
-    {"stopRecording", 2, nullptr, Methods::Any, m_answerUnbuilt, nullptr, nullptr, true},
-    {"UPnP_Info", 2, nullptr, Methods::Any, m_answerUnbuilt, nullptr, nullptr, true},
+    {"channels", 4, "programs", Methods::Any,
+     [](const RestRequest& r) {
+         return m_execPrgmListForChnlSqlQuery(r.id, r.query, r.document, r.method, r.connection);
+     }},
+    {"programs", 2, nullptr, Methods::Any,
+     [](const RestRequest& r) { return m_execPrgmListSqlQuery(r.query, r.document, r.method, r.connection); },
+     "Programs query against EpgSQLPlug-in\n"},
+    {"programs", 3, nullptr, Methods::Any,
+     [](const RestRequest& r) { return m_execPrgmInfoSqlQuery(r.id, r.document, r.method, r.connection); }},
+    {"programs", 4, "detail", Methods::Any,
+     [](const RestRequest& r) { return m_getPrgmDetailQuery(r.id, r.document, r.method, r.connection); }},
+    {"programs", 4, "schedule", Methods::Change,
+     [](const RestRequest& r) {
+         return m_modifyPrgmSchedule(r.document, r.method, r.id, r.body, r.bodyLength, r.location);
+     },
+     nullptr, "Schedule method being invoked!!\n"},
+    {"programs", 4, "schedule", Methods::Any,
+     [](const RestRequest& r) {
+         return m_execPrgmSchedInfoSqlQuery(r.id, r.document, r.method, r.connection);
+     },
+     nullptr, "Schedule method being invoked!!\n"},
+    {"schedules", 2, nullptr, Methods::Get,
+     [](const RestRequest& r) { return m_execSchedulesSqlQuery(r.document, r.method, r.connection); },
+     "Schedule query against EpgSQLPlug-in\n"},
+    {"schedules", 2, nullptr, Methods::Change,
+     [](const RestRequest& r) {
+         return m_addSchedule(r.document, r.method, r.query, r.body, r.bodyLength, r.location);
+     },
+     "Schedule query against EpgSQLPlug-in\n"},
+    {"schedules", 3, nullptr, Methods::Get,
+     [](const RestRequest& r) { return m_execSchedInfoSqlQuery(r.id, r.document, r.method, r.connection); }},
+    {"schedules", 3, nullptr, Methods::Change,
+     [](const RestRequest& r) { return m_modifySchedule(r.document, r.method, r.id, r.body, r.bodyLength); }},
+    {"recordingAvailable", 2, nullptr, Methods::Any,
+     [](const RestRequest& r) { return t_recordingAvailable(r.document, r.method); }, nullptr, nullptr, true},
+    {"recordingSpec", 2, nullptr, Methods::Any,
+     [](const RestRequest& r) { return t_recordingSpec(r.document, r.method); }, nullptr, nullptr, true},
+    {"antennas", 2, nullptr, Methods::Any,
+     [](const RestRequest& r) { return t_antennas(r.document, r.method); }, nullptr, nullptr, true},
+    {"stopRecording", 2, nullptr, Methods::Any,
+     [](const RestRequest& r) { return t_recordStop(r.document, r.method, r.query); }, nullptr, nullptr,
+     true},
+    {"UPnP_Info", 2, nullptr, Methods::Any,
+     [](const RestRequest& r) { return t_UPnP_Info(r.document, r.method); }, nullptr, nullptr, true},
 };
 
 int EpgSQLPluginVexmoor::ExecuteClientQuery(void* document, const char* method,
                                             TARNO_rstr_uri_path_st* pathRecord,
                                             TARNO_rstr_uri_query_st* queryRecord, char* body, int bodyLength,
-                                            char* /*location*/) {
+                                            char* location) {
+    m_removeDBSchedData(epgDBConnection);
+    m_updateDBSchedData(epgDBConnection);
     if (pathRecord == nullptr || method == nullptr) {
         pluginLogger.trace("Null parameters supplied to m_ExecuteClientQuery\n");
         return 404;
@@ -93,8 +120,8 @@ int EpgSQLPluginVexmoor::ExecuteClientQuery(void* document, const char* method,
         if (!matches(route.methods, method)) continue;
         if (route.debugLog != nullptr) pluginLogger.debug(route.debugLog);
         if (route.traceLog != nullptr) pluginLogger.trace(route.traceLog);
-        const int status =
-            route.handler({document, method, part(2), queryRecord, body, bodyLength, epgDBConnection});
+        const int status = route.handler(
+            {document, method, part(2), queryRecord, body, bodyLength, location, epgDBConnection});
         return route.alwaysOk ? 200 : status;
     }
     return 400;
@@ -108,8 +135,35 @@ int EpgSQLPluginVexmoor::ExecuteClientCommand(TARNO_rstr_uri_query_st* queryReco
         pluginLogger.trace("A CREATE VIEW statement has been entered\n");
         return 404;
     }
-    pluginLogger.warning("No handler yet for a client's SQL\n");
-    return 404;
+    const int status = m_SendSQLCmd(queryRecord, epgDBConnection, document);
+    pluginLogger.trace("A standard SQL statement has been entered\n");
+    return status;
+}
+
+int EpgSQLPluginVexmoor::m_addSchedule(void* document, const char* method,
+                                       TARNO_rstr_uri_query_st* queryRecord, char* body, int bodyLength,
+                                       char* /*location*/) {
+    pluginLogger.trace("Pre call to t_schedules\n");
+    return t_schedules(document, method, queryRecord, body, bodyLength, nullptr);
+}
+
+int EpgSQLPluginVexmoor::m_modifyPrgmSchedule(void* document, const char* method, const char* programId,
+                                              char* body, int bodyLength, char* /*location*/) {
+    pluginLogger.trace("Pre call to t_programs_id_schedule\n");
+    const int status = t_programs_id_schedule(document, method, programId, body, bodyLength, nullptr);
+    pluginLogger.trace("Return values from t_programs_id_schedule: %d\n", status);
+    pluginLogger.trace("Post call to t_programs_id_schedule\n");
+    pluginLogger.trace("return val from t_programs_id_schedule: %d \n", status);
+    return status;
+}
+
+int EpgSQLPluginVexmoor::m_modifySchedule(void* document, const char* method, const char* scheduleId,
+                                          char* body, int bodyLength) {
+    pluginLogger.trace("Pre call to t_schedules_id\n");
+    const int status = t_schedules_id(document, method, scheduleId, body, bodyLength);
+    pluginLogger.trace("Post call to t_schedules_id\n");
+    pluginLogger.trace("return val from t_schedules_id: %d \n", status);
+    return status;
 }
 
 int EpgSQLPluginVexmoor::m_ParseClientCommand(TARNO_rstr_uri_query_st* queryRecord, void* /*document*/) {

@@ -1,0 +1,27 @@
+// The client's own SQL: one statement, its rows as the answer.
+#include <string>
+
+#include "Vexmoor/EpgSQLPluginVexmoor.h"
+#include "host/ResponseDocument.h"
+
+int EpgSQLPluginVexmoor::m_SendSQLCmd(TARNO_rstr_uri_query_st* queryRecord, ConnectionPtr connection,
+                                      void* document) {
+    const std::string sql = queryRecord->values[0];
+    Statement statement;
+    statement.setConnection(connection);
+    statement.setSql(sql);
+    pluginLogger.trace("SQL query set as: %s", sql);
+    statement.compile();
+    void* items = TARNO_rdoc_create_object(document);
+    if (items == nullptr) return -1;
+    TARNO_rdoc_add_object(document, "items", items);
+    int rowCount = 0;
+    for (; sqlite3_step(statement.handle()) == SQLITE_ROW; ++rowCount) {
+        if (pluginLogger.isTraceEnabled()) m_printSqlRowData(statement);
+        void* row = TARNO_rdoc_create_object(document);
+        if (row == nullptr) return -1;
+        TARNO_rdoc_add_object(items, nullptr, row);
+        m_output_sql_result(row, ChannelView, statement.handle());
+    }
+    return rowCount == 0 ? 204 : 200;
+}
