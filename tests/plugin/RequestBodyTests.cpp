@@ -9,6 +9,7 @@
 #include "Vexmoor/HeapText.h"
 #include "tests/plugin/FrameTest.h"
 #include "tests/support/FailingAllocations.h"
+#include "tests/support/FreedBlock.h"
 
 namespace epgtest {
 namespace {
@@ -143,6 +144,32 @@ TEST_F(RequestBody, IsRefusedOnEveryPath) {
     FakeRequest request("GET", "other");
     EXPECT_EQ(bridge(request.withContentLength(-1)), 0);
     EXPECT_THAT(frameLines(), Contains(refusal));
+}
+
+TEST_F(RequestBody, IsFreedLast) {
+    std::unique_ptr<FreedBlock> block;
+    service.query = [&block](const ServiceQuery& query) {
+        block = std::make_unique<FreedBlock>(query.body);
+        return 200;
+    };
+    int freedBeforeDocument = -1;
+    host.beforeDestroy = [&] { freedBeforeDocument = block->times(); };
+    bridge(FakeRequest("POST", "epg2/schedules").withBody("{}"));
+    ASSERT_TRUE(block);
+    EXPECT_EQ(freedBeforeDocument, 0);
+    EXPECT_EQ(block->times(), 1);
+}
+
+TEST_F(RequestBody, IsFreedWhenAnExceptionPasses) {
+    std::unique_ptr<FreedBlock> block;
+    service.query = [&block](const ServiceQuery& query) -> int {
+        block = std::make_unique<FreedBlock>(query.body);
+        throw 1;
+    };
+    FakeRequest request("POST", "epg2/schedules");
+    EXPECT_THROW(bridge(request.withBody("{}")), int);
+    ASSERT_TRUE(block);
+    EXPECT_EQ(block->times(), 1);
 }
 
 }  // namespace
