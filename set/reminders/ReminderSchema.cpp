@@ -1,0 +1,64 @@
+#include "set/reminders/ReminderSchema.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace epgset {
+namespace {
+
+constexpr std::array<const char*, 1> steps{
+    // AUTOINCREMENT: the uid of an entry that is gone is never given out again. Clients see it as a 32-bit
+    // number. The start is kept twice: start_utc in UNIX seconds, which decides for an entry that does not
+    // repeat, whatever zone the middleware counts in; start_wall, NULL for such an entry, in seconds of the
+    // wall clock, which decides for one that repeats. Texts are UTF-8.
+    R"(CREATE TABLE reminder (
+        uid INTEGER PRIMARY KEY AUTOINCREMENT CHECK (uid BETWEEN 1 AND 2147483647),
+        channel_type INTEGER NOT NULL,
+        major INTEGER NOT NULL,
+        minor INTEGER NOT NULL,
+        ptc INTEGER NOT NULL,
+        program_number INTEGER NOT NULL,
+        event_id INTEGER NOT NULL,
+        reserve_type INTEGER NOT NULL,
+        repeat_type INTEGER NOT NULL,
+        repeat_days INTEGER NOT NULL,
+        creation_method INTEGER NOT NULL,
+        start_utc INTEGER NOT NULL,
+        start_wall INTEGER,
+        duration INTEGER NOT NULL CHECK (duration > 0),
+        title TEXT NOT NULL,
+        synopsis TEXT NOT NULL
+    ) STRICT)",
+};
+
+std::int64_t numberOf(OwnDatabase& database, const char* query) {
+    OwnStatement statement(database, query);
+    return statement.step() ? statement.integer(0) : 0;
+}
+
+}  // namespace
+
+std::span<const char* const> reminderSchemaSteps() {
+    return steps;
+}
+
+void migrateReminders(OwnDatabase& database, std::span<const char* const> steps) {
+    const std::int64_t version = numberOf(database, "PRAGMA user_version");
+    const auto latest = static_cast<std::int64_t>(steps.size());
+    if (version < 0 || version > latest) {
+        database.fail("its version is " + std::to_string(version) +
+                      ", and this program knows versions up to " + std::to_string(latest));
+    }
+    if (version == 0 && numberOf(database, "SELECT count(*) FROM sqlite_schema") > 0) {
+        database.fail("it is a database of something else");
+    }
+    if (version == latest) return;
+    OwnTransaction transaction(database);
+    for (const char* const step : steps.subspan(static_cast<std::size_t>(version)))
+        database.run(step);
+    database.run(("PRAGMA user_version = " + std::to_string(latest)).c_str());
+    transaction.commit();
+}
+
+}  // namespace epgset
