@@ -2,17 +2,21 @@
 
 #include <chrono>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 
 #include "host/Logger.h"
 #include "set/epghost/GuideSource.h"
 #include "set/epghost/PluginFile.h"
 #include "set/epghost/ProcessZone.h"
+#include "set/epghost/Reminders.h"
 #include "set/epghost/Signals.h"
 #include "set/epghost/StateFolder.h"
 #include "set/log/LogControl.h"
 #include "set/middleware/Clock.h"
 #include "set/middleware/Television.h"
+#include "set/recorder/PvrState.h"
+#include "set/upnp/WebRoot.h"
 #include "set/web/HttpServer.h"
 #include "set/web/ListenSocket.h"
 #include "set/web/MaintenanceTimer.h"
@@ -102,7 +106,10 @@ void runEpghost(const Options& options) {
     GuideSource source(options, state);
     useGuide(source.load());
     state.create();
+    const Reminders reminders(state.path());
     source.keepEventIds();
+    usePvrState(pvrStateOf(options.pvr).value());
+    useWebRoot(options.webRoot.empty() ? shippedWebRoot() : std::filesystem::path(options.webRoot));
 
     PluginHost plugin(library.descriptor());
     warmUp(plugin);

@@ -8,11 +8,15 @@
 namespace epgset {
 namespace {
 
-bool needsEscape(utf8proc_int32_t codePoint) {
+bool isControl(utf8proc_int32_t codePoint) {
     constexpr utf8proc_int32_t lineSeparator = 0x2028;
     constexpr utf8proc_int32_t paragraphSeparator = 0x2029;
     return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == lineSeparator ||
            codePoint == paragraphSeparator;
+}
+
+bool isNotPrintableAscii(utf8proc_int32_t codePoint) {
+    return codePoint < 0x20 || codePoint >= 0x7F;
 }
 
 void appendEscape(std::string& line, std::string_view bytes) {
@@ -33,9 +37,9 @@ void appendEscape(std::string& line, std::string_view bytes) {
     }
 }
 
-}  // namespace
-
-std::string escapedLogLine(std::string_view message, std::size_t maxBytes) {
+/// The line, with escapes for what is not UTF-8 and for the characters that need one.
+std::string escaped(std::string_view message, std::size_t maxBytes,
+                    bool (*needsEscape)(utf8proc_int32_t codePoint)) {
     if (message.ends_with('\n')) message.remove_suffix(1);
     if (message.ends_with('\r')) message.remove_suffix(1);
 
@@ -59,6 +63,16 @@ std::string escapedLogLine(std::string_view message, std::size_t maxBytes) {
         message.remove_prefix(length);
     }
     return line;
+}
+
+}  // namespace
+
+std::string escapedLogLine(std::string_view message, std::size_t maxBytes) {
+    return escaped(message, maxBytes, isControl);
+}
+
+std::string asciiLogLine(std::string_view message, std::size_t maxBytes) {
+    return escaped(message, maxBytes, isNotPrintableAscii);
 }
 
 }  // namespace epgset

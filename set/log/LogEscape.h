@@ -12,4 +12,7 @@ namespace epgset {
 /// \r, \t, else \xNN for each byte). A longer line is cut between two characters.
 std::string escapedLogLine(std::string_view message, std::size_t maxBytes);
 
+/// The same in printable ASCII alone: every other character is written as the escapes of its bytes.
+std::string asciiLogLine(std::string_view message, std::size_t maxBytes);
+
 }  // namespace epgset

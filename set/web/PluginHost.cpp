@@ -4,6 +4,7 @@
 
 #include "host/Logger.h"
 #include "set/database/DatabaseRequest.h"
+#include "set/log/LogEscape.h"
 #include "set/web/PluginExchange.h"
 
 namespace epgset {
@@ -30,6 +31,14 @@ bool callPlugin(const std::string& name, Call&& call) {
     return false;
 }
 
+/// Tells why an answer may be empty: what SQLite said of a statement of this thread's last request that
+/// failed. A header holds printable ASCII in one line; bytes beyond are written as escapes too.
+void addDatabaseError(WebResponse& response) {
+    if (lastDatabaseError().empty()) return;
+    constexpr std::size_t maximumBytes = 512;
+    setHeader(response.headers, "EPG-SQL-Error", asciiLogLine(lastDatabaseError(), maximumBytes));
+}
+
 }  // namespace
 
 WebResponse PluginHost::answer(const WebRequest& request, const std::string& path) {
@@ -39,7 +48,9 @@ WebResponse PluginHost::answer(const WebRequest& request, const std::string& pat
     const bool returned = callPlugin(request.method + " " + request.path,
                                      [&] { descriptor_.handleRequest(pluginRequest, pluginResponse); });
     if (!returned && pluginResponse.untouched()) pluginResponse.setStatus(500);
-    return pluginResponse.finish();
+    WebResponse response = pluginResponse.finish();
+    addDatabaseError(response);
+    return response;
 }
 
 bool PluginHost::maintain() {

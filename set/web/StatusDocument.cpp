@@ -8,10 +8,16 @@
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
+#include "set/middleware/ChannelTexts.h"
 #include "set/middleware/Clock.h"
+#include "set/middleware/GuideWindow.h"
 #include "set/middleware/Television.h"
+#include "set/recorder/Recordings.h"
+#include "set/text/Utf8.h"
 
 namespace epgset {
 namespace {
@@ -28,13 +34,46 @@ void member(Json& json, const char* key, std::size_t number) {
     json.Uint64(number);
 }
 
-/// The clock's time in ISO 8601, in the zone in which the middleware counts.
-std::string clockText(const Clock& clock) {
-    const int offset = clock.zoneMinutes() + (clock.daylightSaving() ? 60 : 0);
-    const std::time_t local = clock.now() + std::int64_t{offset} * 60;
+/// A UNIX time in ISO 8601, in the zone in which the middleware counts now.
+std::string timeText(std::int64_t unixSeconds) {
+    const int offset = clock().localOffset() / 60;
+    const std::time_t local = unixSeconds + std::int64_t{offset} * 60;
     const int distance = std::abs(offset);
     return fmt::format("{:%Y-%m-%dT%H:%M:%S}{}{:02}:{:02}", fmt::gmtime(local), offset < 0 ? '-' : '+',
                        distance / 60, distance % 60);
+}
+
+std::string idOf(const Channel& channel) {
+    return channelIdText(channel.tvMode, channel.major, channel.minor);
+}
+
+void writeChannel(Json& json, const Channel* channel) {
+    if (!channel) {
+        json.Null();
+        return;
+    }
+    json.StartObject();
+    member(json, "id", idOf(*channel));
+    member(json, "num", channelNumberText(channel->major, channel->minor));
+    member(json, "name", channel->name);
+    json.EndObject();
+}
+
+/// Size of what has been recorded so far; 0 while there is no file.
+std::size_t bytesOf(const std::filesystem::path& file) {
+    std::error_code error;
+    const std::uintmax_t bytes = std::filesystem::file_size(file, error);
+    return error ? 0 : bytes;
+}
+
+void writeRecording(Json& json, const Recording& recording) {
+    json.StartObject();
+    member(json, "channel", idOf(*recording.channel));
+    member(json, "schedule_id", scheduleIdText(recording.scheduleUid));
+    member(json, "file", repairedUtf8(recording.file.string()));
+    member(json, "start", timeText(recording.start));
+    member(json, "bytes", bytesOf(recording.file));
+    json.EndObject();
 }
 
 }  // namespace
@@ -44,11 +83,13 @@ std::string statusDocument(const SetFacts& facts) {
     rapidjson::StringBuffer text;
     Json json(text);
     json.StartObject();
-    member(json, "clock", clockText(clock()));
+    member(json, "clock", timeText(clock().now()));
     json.Key("channel");
-    json.Null();
+    writeChannel(json, guideWindow().channel().get());
     json.Key("recordings");
     json.StartArray();
+    for (const Recording& recording : recordings().running())
+        writeRecording(json, recording);
     json.EndArray();
     member(json, "pvr", facts.pvr);
     member(json, "zone", facts.zone);

@@ -38,6 +38,12 @@ TEST(LogEscape, CutsALongLineBetweenTwoCharacters) {
     EXPECT_EQ(escapedLogLine("abc", 0), "");
 }
 
+TEST(LogEscape, AsciiLinesEscapeEveryOtherCharacter) {
+    EXPECT_EQ(asciiLogLine("a \xC3\xBC~\n\xFF\n", 99), "a \\xC3\\xBC~\\n\\xFF");
+    EXPECT_EQ(asciiLogLine("ab\xC3\xBC", 9), "ab") << "a character is not cut";
+    EXPECT_EQ(asciiLogLine("ab\xC3\xBC", 10), "ab\\xC3\\xBC");
+}
+
 TEST(LogEscape, AnyBytesGiveAPrintableLineWithinItsBound) {
     std::mt19937 random(7);
     for (int round = 0; round < 5000; ++round) {

@@ -28,6 +28,23 @@ class PluginHostTest : public ::testing::Test {
 protected:
     WebResponse answer(const std::string& path) { return host_.answer(get(path), path); }
 
+    /// What the answer to a request tells that runs one statement.
+    std::string sqlErrorOf(const std::string& sql) {
+        WebRequest request = get("sql");
+        request.body = sql;
+        const WebResponse response = host_.answer(request, "sql");
+        EXPECT_EQ(200, response.status);
+        EXPECT_EQ("status 200", response.body);
+        return headerValue(response.headers, "EPG-SQL-Error");
+    }
+
+    static std::string printable() {
+        std::string characters;
+        for (char c = ' '; c < 0x7F; ++c)
+            characters += c;
+        return characters;
+    }
+
     LogCapture log_{Container::Logger::Warning};
     PluginLibrary library_{TEST_PLUGIN};
     PluginHost host_{library_.descriptor()};
@@ -61,6 +78,21 @@ TEST_F(PluginHostTest, AnswersAnEmpty404ForWhatThePluginLeavesUntouched) {
     const WebResponse response = answer("unknown");
     EXPECT_EQ(404, response.status);
     EXPECT_EQ("", response.body);
+}
+
+TEST_F(PluginHostTest, TellsWhichStatementFailed) {
+    EXPECT_EQ("", sqlErrorOf("SELECT 1"));
+    EXPECT_THAT(sqlErrorOf("SELECT x"), HasSubstr("no such column: x"));
+    EXPECT_THAT(sqlErrorOf("SELECT abs(-9223372036854775808)"), HasSubstr("integer overflow"));
+    EXPECT_EQ("", sqlErrorOf("SELECT 1"));
+    EXPECT_EQ("", headerValue(answer("status/200").headers, "EPG-SQL-Error"));
+}
+
+TEST_F(PluginHostTest, TellsItInOnePrintableLine) {
+    const std::string error = sqlErrorOf("SELECT `a\r\nX-Worse: \xC3\xA9\xFF" + std::string(5000, 'x') + "`");
+    EXPECT_THAT(error, HasSubstr(R"(a\r\nX-Worse: \xC3\xA9\xFF)"));
+    EXPECT_LE(error.size(), 512U);
+    EXPECT_EQ(error.find_first_not_of(printable()), std::string::npos);
 }
 
 TEST_F(PluginHostTest, SurvivesAMaintenanceThatThrows) {

@@ -6,9 +6,12 @@
 #include "set/guide/GuideBuilder.h"
 #include "set/log/LogCapture.h"
 #include "set/middleware/Clock.h"
+#include "set/middleware/GuideWindow.h"
 #include "set/middleware/ManualClock.h"
 #include "set/middleware/Television.h"
+#include "set/recorder/Recordings.h"
 #include "set/web/PluginLibrary.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace epgset {
 namespace {
@@ -127,6 +130,49 @@ TEST_F(SetRoutesTest, TellTheStateOfTheSet) {
               R"("zone":"Europe/Paris","channels":1,"programs":1,"programs_dropped":7})",
               response.body);
     EXPECT_THAT(west.body, HasSubstr("2026-08-22T21:30:00-02:30"));
+}
+
+TEST_F(SetRoutesTest, TellTheChannelThatIsTunedTo) {
+    GuideBuilder builder;
+    Channel channel;
+    channel.tvMode = 3;
+    channel.major = 7;
+    channel.minor = 2;
+    channel.name = "The \"Seventh\"";
+    builder.addChannel(channel);
+    useGuide(builder.finish());
+    g_pAppWindow->ChangeChannel(7, 2);
+    const std::string tuned = request("GET", "/set/status").body;
+    useGuide(nullptr);
+    const std::string gone = request("GET", "/set/status").body;
+    guideWindow().reset();
+    EXPECT_THAT(tuned, HasSubstr(R"("channel":{"id":"cid-003-7-2","num":"7-2","name":"The \"Seventh\""},)"));
+    EXPECT_THAT(gone, HasSubstr(R"("channel":null,)"));
+}
+
+TEST_F(SetRoutesTest, TellTheRecordingsThatRun) {
+    ManualClock clock(1787443200);  // 2026-08-23T00:00:00Z
+    useClock(&clock);
+    const test::TemporaryFolder folder;
+    const auto file = folder.write("a.ts", "12345");
+    Channel channel;
+    channel.major = 5;
+    recordings().start(channel, 17, file);
+    channel.major = 6;
+    recordings().start(channel, 18, folder.path() / "\xFF.ts");
+    clock.advance(60);
+    const std::string body = request("GET", "/set/status").body;
+    recordings().stop(0, 5, 0);
+    recordings().stop(0, 6, 0);
+    const std::string after = request("GET", "/set/status").body;
+    useClock(nullptr);
+    const std::string path = folder.path().string();
+    EXPECT_THAT(
+        body, HasSubstr(R"("recordings":[{"channel":"cid-000-5","schedule_id":"sch_id_17","file":")" + path +
+                        R"(/a.ts","start":"2026-08-23T00:00:00+00:00","bytes":5},)"
+                        R"({"channel":"cid-000-6","schedule_id":"sch_id_18","file":")" +
+                        path + "/\xEF\xBF\xBD" + R"(.ts","start":"2026-08-23T00:00:00+00:00","bytes":0}],)"));
+    EXPECT_THAT(after, HasSubstr(R"("recordings":[],)"));
 }
 
 }  // namespace

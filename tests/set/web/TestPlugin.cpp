@@ -8,6 +8,7 @@
 #include "host/CommonPlugin.h"
 #include "host/DomainException.h"
 #include "host/Plugin.h"
+#include "host/Statement.h"
 
 namespace {
 
@@ -51,12 +52,28 @@ void writeStatus(Container::HttpResponse& response, int status) {
     response.getOutputStream() << "status " << status;
 }
 
+/// Runs the request's body as a statement.
+void runSql(Container::HttpRequest& request) {
+    std::string sql;
+    std::getline(request.getInputStream(), sql, '\0');
+    const Container::SharedPtr<Connection> connection(new Connection);
+    connection->open(":memory:");
+    Statement statement;
+    statement.setConnection(connection);
+    statement.setSql(sql);
+    statement.compile();
+    statement.step();
+}
+
 int handleRequest(Container::HttpRequest& request, Container::HttpResponse& response) {
     const std::string path = pathOf(request);
     if (path.starts_with("echo")) {
         echo(request, response);
     } else if (path.starts_with("status/")) {
         writeStatus(response, std::atoi(path.c_str() + 7));
+    } else if (path == "sql") {
+        runSql(request);
+        writeStatus(response, 200);
     } else if (path == "throw") {
         throw std::runtime_error("thrown before anything was written");
     } else if (path == "throw-number") {
