@@ -99,7 +99,7 @@ void takeValue(char*& cursor) {
             *out++ = *in++;
     }
     // Looked at first: the terminator may take the place of the "<".
-    cursor += in - cursor + (*in == '<' ? 1 : 0);
+    cursor += (in - cursor) + (*in == '<' ? 1 : 0);
     *out = '\0';
 }
 

@@ -21,6 +21,9 @@
 /// The class's one logger, "Vexmoor/EpgSQLPluginVexmoor".
 extern const Container::Logger pluginLogger;
 
+/// Pages that the database may take, of SQLite's default size.
+constexpr int maximumPages = 5120;
+
 /// Columns of the table as the import numbers them: fixed identifiers, not positions. The number comes
 /// before the path here and after it in the table, on purpose.
 enum class ColumnCode : int {
@@ -82,7 +85,7 @@ public:
 
     /// Deletes the `count` programmes that start last among those without a schedule, and gives their
     /// pages back.
-    void removeLastNProgramEntries(Container::SharedPtr<Connection> connection, int count);
+    static void removeLastNProgramEntries(Container::SharedPtr<Connection> connection, int count);
 
 protected:  // open to derived classes, so that each operation can be tried alone
     using ParameterMap = std::map<std::string, std::string>;
@@ -128,6 +131,9 @@ protected:  // open to derived classes, so that each operation can be tried alon
                                            CRemindInfo* info);
     static void m_insertFakeProgram(TCChannel* channel, ConnectionPtr connection);
     static int m_getCRIDsForPrgm(TCProgram* program, std::string& text);
+
+    /// Makes the indexes for which the database has room; always 0. The table serves without them.
+    static int m_createIndexes(ConnectionPtr connection);
 
     // Update check and rebuild -------------------------------------------------------------------
     static int m_deleteDBTable(const std::string& table, ConnectionPtr connection);
@@ -221,6 +227,8 @@ protected:  // open to derived classes, so that each operation can be tried alon
     /// The programme's synopsis, which the caller releases with free unless it is programWithoutSynopsis;
     /// may be null.
     static char* m_getPrgmSynopsis(const char* programId, ConnectionPtr connection);
+
+    /// 0 when the programme has a row, else -1.
     static int m_checkForProgramInDB(const char* programId, ConnectionPtr connection);
 
     /// Stands for the synopsis of a programme that cannot be found: "NONE", recognised by its text and
@@ -240,8 +248,14 @@ protected:  // open to derived classes, so that each operation can be tried alon
                                          ConnectionPtr connection);
 
     // Schedule mirror ----------------------------------------------------------------------------
+
+    /// Clears the schedule columns, and the rows of manual bookings; 0.
     static int m_removeDBSchedData(ConnectionPtr connection);
+
+    /// Writes the store's bookings into them: 0, or -1 when it stopped at a booking without a channel.
     static int m_updateDBSchedData(ConnectionPtr connection);
+
+    /// Adds the row of a manual booking, pruning the table when it is full.
     static void m_insertSchedData(const std::string& channelId, const std::string& channelNumber,
                                   const std::string& channelName, const std::string& serviceType,
                                   const std::string& antennaType, const std::string& scrambledFlag,
@@ -249,10 +263,14 @@ protected:  // open to derived classes, so that each operation can be tried alon
                                   const std::string& endTime, const std::string& scheduleId,
                                   const std::string& scheduleType, const std::string& repeat,
                                   ConnectionPtr connection);
+
+    /// Whether a row with these three values exists.
     static bool m_checkIfEventIsInDB(const std::string& channelId, const std::string& eventId,
                                      const std::string& scheduleId, ConnectionPtr connection);
 
     // Client SQL ---------------------------------------------------------------------------------
+
+    /// Runs the query's first value and writes its rows: 200, 204 without a row, -1 without an object.
     static int m_SendSQLCmd(TARNO_rstr_uri_query_st* queryRecord, ConnectionPtr connection, void* document);
 
     // Router -------------------------------------------------------------------------------------

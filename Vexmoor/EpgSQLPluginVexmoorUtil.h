@@ -2,8 +2,7 @@
 //
 // Texts that a function hands out are NUL-terminated heap texts, which the receiver releases with free
 // (HeapText holds them); null means "no value". Objects that a lookup hands out are new and owned by
-// the caller; null when none matches. Nothing here keeps state, and nothing throws but std::bad_alloc, when
-// the middleware has no memory for a list.
+// the caller; null when none matches. Nothing here keeps state, and nothing throws but std::bad_alloc.
 #pragma once
 
 #include <cstddef>

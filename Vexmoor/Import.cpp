@@ -46,7 +46,8 @@ bool isGuideColumn(ColumnCode code) {
     return code >= ColumnCode::ChannelId && code <= ColumnCode::ProgramEndTime;
 }
 
-/// Replaces `value` by the text of a guide column, when its source has one.
+/// Replaces `value` by the text of a guide column, when its source has one. Name, number, path and antenna
+/// are read from the record, which has them from the channel by the same functions.
 void readColumn(ColumnCode code, TCChannel* channel, const ws_epg_program* record, std::string& value) {
     const auto take = [&value](char* heapText) {
         const HeapText text(heapText);
@@ -59,13 +60,13 @@ void readColumn(ColumnCode code, TCChannel* channel, const ws_epg_program* recor
         case ColumnCode::ChannelId:
             return take(t_get_channel_id(channel->TvMode(), channel->Major(), channel->Minor()));
         case ColumnCode::ChannelName:
-            return take(t_get_channel_name(channel));
+            return copy(record->channel_name);
         case ColumnCode::ChannelNumber:
-            return take(t_get_channel_num(channel));
+            return copy(record->channel_num);
         case ColumnCode::ChannelPath:
-            return take(t_get_channel_path(channel));
+            return copy(record->source_path);
         case ColumnCode::AntennaType:
-            return take(t_get_name_from_tvmode(channel->TvMode()));
+            return copy(record->antenna);
         case ColumnCode::ScrambledFlag:
             return copy(scrambledText(*channel));
         case ColumnCode::ServiceType:
@@ -107,6 +108,7 @@ int EpgSQLPluginVexmoor::m_CreateDBTable(const std::string& source, const std::s
     pluginLogger.debug("Create tbl sql: %s\n", sql);
     runOrRaise(sql, connection);
     m_parseEpgData(templateText, table, connection, query);
+    m_createIndexes(connection);
     return 0;
 }
 

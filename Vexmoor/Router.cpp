@@ -30,7 +30,6 @@ struct EpgSQLPluginVexmoor::RestRequest {
     TARNO_rstr_uri_query_st* query;
     char* body;
     int bodyLength;
-    char* location;  ///< null, and by value: no handler can hand a location to the client
     ConnectionPtr connection;
 };
 
@@ -65,7 +64,7 @@ constinit const EpgSQLPluginVexmoor::Route EpgSQLPluginVexmoor::m_routes[] = {
      [](const RestRequest& r) { return m_getPrgmDetailQuery(r.id, r.document, r.method, r.connection); }},
     {"programs", 4, "schedule", Methods::Change,
      [](const RestRequest& r) {
-         return m_modifyPrgmSchedule(r.document, r.method, r.id, r.body, r.bodyLength, r.location);
+         return m_modifyPrgmSchedule(r.document, r.method, r.id, r.body, r.bodyLength, nullptr);
      },
      nullptr, "Schedule method being invoked!!\n"},
     {"programs", 4, "schedule", Methods::Any,
@@ -78,7 +77,7 @@ constinit const EpgSQLPluginVexmoor::Route EpgSQLPluginVexmoor::m_routes[] = {
      "Schedule query against EpgSQLPlug-in\n"},
     {"schedules", 2, nullptr, Methods::Change,
      [](const RestRequest& r) {
-         return m_addSchedule(r.document, r.method, r.query, r.body, r.bodyLength, r.location);
+         return m_addSchedule(r.document, r.method, r.query, r.body, r.bodyLength, nullptr);
      },
      "Schedule query against EpgSQLPlug-in\n"},
     {"schedules", 3, nullptr, Methods::Get,
@@ -101,7 +100,7 @@ constinit const EpgSQLPluginVexmoor::Route EpgSQLPluginVexmoor::m_routes[] = {
 int EpgSQLPluginVexmoor::ExecuteClientQuery(void* document, const char* method,
                                             TARNO_rstr_uri_path_st* pathRecord,
                                             TARNO_rstr_uri_query_st* queryRecord, char* body, int bodyLength,
-                                            char* location) {
+                                            char* /*location*/) {
     m_removeDBSchedData(epgDBConnection);
     m_updateDBSchedData(epgDBConnection);
     if (pathRecord == nullptr || method == nullptr) {
@@ -120,8 +119,8 @@ int EpgSQLPluginVexmoor::ExecuteClientQuery(void* document, const char* method,
         if (!matches(route.methods, method)) continue;
         if (route.debugLog != nullptr) pluginLogger.debug(route.debugLog);
         if (route.traceLog != nullptr) pluginLogger.trace(route.traceLog);
-        const int status = route.handler(
-            {document, method, part(2), queryRecord, body, bodyLength, location, epgDBConnection});
+        const int status =
+            route.handler({document, method, part(2), queryRecord, body, bodyLength, epgDBConnection});
         return route.alwaysOk ? 200 : status;
     }
     return 400;
@@ -139,6 +138,9 @@ int EpgSQLPluginVexmoor::ExecuteClientCommand(TARNO_rstr_uri_query_st* queryReco
     pluginLogger.trace("A standard SQL statement has been entered\n");
     return status;
 }
+
+// The location that the next two are handed is a copy, which cannot take a text back to the client: the
+// services get none.
 
 int EpgSQLPluginVexmoor::m_addSchedule(void* document, const char* method,
                                        TARNO_rstr_uri_query_st* queryRecord, char* body, int bodyLength,

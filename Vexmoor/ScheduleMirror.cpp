@@ -1,6 +1,7 @@
 // The schedule mirror: the reminder store's bookings in the table's schedule columns.
-#include <cstdint>
+#include <initializer_list>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -13,10 +14,12 @@
 
 namespace {
 
-constexpr const char* manualBookingName = "scheduled_event";
 constexpr int allBookings = 2;  // the kind of bookings asked for, the middleware's number
 constexpr int insertRetries = 5;
 constexpr int prunedPerRetry = 5;
+
+/// Marks the row of a manual booking.
+const char* const manualBooking = "scheduled_event";
 
 struct DeleteChannelSource {
     void operator()(ws_epg_channel_source* source) const { t_delete_channel_source(source); }
@@ -32,6 +35,22 @@ std::string textOf(const char* text) {
 std::string takeText(char* heapText) {
     const HeapText text(heapText);
     return textOf(text.get());
+}
+
+/// The statement that adds a manual booking's row; a null value is an empty text. The texts are put in as
+/// they are, on purpose: one with a quote is a statement that fails.
+std::string insertText(std::initializer_list<const std::string*> values) {
+    std::string sql =
+        "INSERT into myView ('ChannelId','ChannelNumber','ChannelName','ChannelPath','ServiceType',"
+        "'AntennaType','ScrambledFlag','EventId','ProgramName','ProgramStartTime','ProgramEndTime',"
+        "'ScheduleId','ScheduleType','Repeat') VALUES('";
+    const char* separator = "";
+    for (const std::string* value : values) {
+        sql += separator;
+        if (value != nullptr) sql += *value;
+        separator = "','";
+    }
+    return sql + "');";
 }
 
 /// Compiles and steps a statement's new text; SQLite's answer.
@@ -56,7 +75,7 @@ int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
         pluginLogger.trace("A schedule has been found:%s, %s\n", id, name);
         // NULL and not an empty text, on purpose: pruning passes over rows that were once booked.
         const std::string sql =
-            name == manualBookingName
+            name == manualBooking
                 ? "DELETE FROM myView WHERE ScheduleId='" + id + "';"
                 : "UPDATE myView SET ScheduleId=NULL, ScheduleType=NULL, Repeat=NULL WHERE ScheduleId='" +
                       id + "';";
@@ -146,18 +165,16 @@ void EpgSQLPluginVexmoor::m_insertSchedData(const std::string& channelId, const 
                                             const std::string& endTime, const std::string& scheduleId,
                                             const std::string& scheduleType, const std::string& repeat,
                                             ConnectionPtr connection) {
-    // The texts are put in as they are, on purpose: one with a quote is a statement that fails.
-    std::string sql =
-        "INSERT into myView ('ChannelId','ChannelNumber','ChannelName','ChannelPath','ServiceType',"
-        "'AntennaType','ScrambledFlag','EventId','ProgramName','ProgramStartTime','ProgramEndTime',"
-        "'ScheduleId','ScheduleType','Repeat') VALUES('";
-    const std::string noPath;
-    const std::string name = manualBookingName;
-    const std::string* values[] = {&channelId,   &channelNumber, &channelName,  &noPath, &serviceType,
-                                   &antennaType, &scrambledFlag, &eventId,      &name,   &startTime,
-                                   &endTime,     &scheduleId,    &scheduleType, &repeat};
-    for (const std::string* value : values)
-        sql += *value + (value == &repeat ? "');" : "','");
+    std::string sql;
+    try {
+        const std::string name = manualBooking;
+        sql = insertText({&channelId, &channelNumber, &channelName, nullptr, &serviceType, &antennaType,
+                          &scrambledFlag, &eventId, &name, &startTime, &endTime, &scheduleId, &scheduleType,
+                          &repeat});
+    } catch (const std::bad_alloc&) {
+        pluginLogger.trace("Memory not allocated for SQL query string\n");
+        return;
+    }
 
     Statement statement;
     statement.setConnection(connection);
@@ -168,10 +185,9 @@ void EpgSQLPluginVexmoor::m_insertSchedData(const std::string& channelId, const 
         pluginLogger.trace("Schedule data added!\n");
         return;
     }
-    EpgSQLPluginVexmoor plugin;
     for (int retry = 0; retry < insertRetries && result != SQLITE_DONE; ++retry) {
         statement.close();  // an open statement would keep the pruning's vacuum from running
-        plugin.removeLastNProgramEntries(connection, prunedPerRetry);
+        removeLastNProgramEntries(connection, prunedPerRetry);
         result = run(statement, sql);
         pluginLogger.trace("SQL Return code: %d\n", result);
         if (result != SQLITE_DONE) continue;

@@ -1,11 +1,11 @@
 // The read-only schedule resources: the list, one schedule, and a programme's schedule.
-#include <cstring>
 #include <memory>
 #include <string>
 
 #include "Vexmoor/ColumnText.h"
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
 #include "Vexmoor/HeapText.h"
+#include "Vexmoor/TextCompare.h"
 #include "host/CRemindInfo.h"
 #include "host/CReminder.h"
 #include "host/ResponseDocument.h"
@@ -20,7 +20,7 @@ constexpr const char* scheduleColumns =
 std::string channelIdOf(sqlite3_stmt* statement) {
     const int columnCount = sqlite3_data_count(statement);
     for (int i = 0; i < columnCount; ++i)
-        if (std::strcmp(sqlite3_column_name(statement, i), "ChannelId") == 0) return columnText(statement, i);
+        if (isText(sqlite3_column_name(statement, i), "ChannelId")) return columnText(statement, i);
     return "";
 }
 

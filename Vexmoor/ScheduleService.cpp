@@ -24,7 +24,7 @@ constexpr int invalidTvMode = -1;
 
 enum Force { KeepConflict = 0, ReplaceConflict = 1, CheckOverlap = 2 };
 
-bool isOneOf(const char* method, std::initializer_list<const char*> supported) {
+bool isSupported(const char* method, std::initializer_list<const char*> supported) {
     if (std::any_of(supported.begin(), supported.end(),
                     [method](const char* name) { return isText(method, name); }))
         return true;
@@ -282,8 +282,8 @@ InputResult fillManualEntry(ws_epg_schedule& request, CRemindInfo& entry) {
                                                           : CReminder::RESERVE_VIEW);
     entry.Set(static_cast<short>(number.major), channel->Minor(), channel->PTC(), channelType,
               channel->ProgramNumber());
-    entry.SetStartTime(static_cast<std::uint32_t>(start));
-    entry.SetDuration(static_cast<std::uint32_t>(end - start));
+    entry.SetStartTime(start);
+    entry.SetDuration(end - start);
     entry.SetRepeat(static_cast<CReminder::REMINDER_REPEAT_TYPE>(repeat), days);
     return InputResult::Filled;
 }
@@ -317,7 +317,7 @@ int t_programs_id_schedule(void* node, const char* method, const char* program_i
     CRemindInfo conflict;
     CReminder* store = CReminder::GetInstance();
     if (store == nullptr) return 404;
-    if (!isOneOf(method, {"GET", "PUT", "POST", "DELETE"})) return 404;
+    if (!isSupported(method, {"GET", "PUT", "POST", "DELETE"})) return 404;
     TCChannel* foundChannel = nullptr;
     const std::unique_ptr<TCProgram> program(t_get_cached_program_by_id(program_id, &foundChannel));
     const std::unique_ptr<TCChannel> channel(foundChannel);
@@ -354,7 +354,7 @@ int t_schedules(void* node, const char* method, TARNO_rstr_uri_query_st* /*query
     adapterLogger.trace("t_schedules");
     CReminder* store = CReminder::GetInstance();
     if (store == nullptr) return 204;  // this handler's failures are no error statuses, on purpose
-    if (!isOneOf(method, {"GET", "POST"})) return 204;
+    if (!isSupported(method, {"GET", "POST"})) return 204;
     if (isText(method, "GET")) {
         adapterLogger.warning("GET all schedules");
         int count = 0;
@@ -405,7 +405,7 @@ int t_schedules(void* node, const char* method, TARNO_rstr_uri_query_st* /*query
 
 int t_schedules_id(void* node, const char* method, const char* schedule_id, char* body, int body_len) {
     adapterLogger.trace("t_schedules_id");
-    if (!isOneOf(method, {"GET", "PUT", "DELETE"})) return 404;
+    if (!isSupported(method, {"GET", "PUT", "DELETE"})) return 404;
     TCChannel* foundChannel = nullptr;
     const std::unique_ptr<CRemindInfo> entry(t_get_cached_schedule_by_id(schedule_id, &foundChannel));
     const std::unique_ptr<TCChannel> channel(foundChannel);

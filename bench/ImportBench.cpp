@@ -6,48 +6,19 @@
 #include <string>
 #include <vector>
 
-#include "bench/SyntheticGuide.h"
-#include "set/middleware/ManualClock.h"
-#include "set/middleware/Television.h"
-#include "tests/support/OpenPlugin.h"
+#include "bench/LargeGuide.h"
 
 namespace {
 
-using epgbench::guideStart;
+using epgbench::LargeGuide;
 using epgtest::OpenPlugin;
-
-constexpr int channels = 400;
-constexpr int programmesEach = 224;  // 89,600 programmes, all within seven days
 
 struct CloseDatabase {
     void operator()(sqlite3* database) const { sqlite3_close(database); }
 };
 
-/// The plug-in's table filled with the large guide, on a clock that stands.
-class FilledPlugin {
-public:
-    FilledPlugin() {
-        epgset::useClock(&clock_);
-        epgset::useGuide(epgbench::syntheticGuide(channels, programmesEach));
-        OpenPlugin::forget();
-        plugin = EpgSQLPluginVexmoor::Instance();
-    }
-    ~FilledPlugin() {
-        plugin = Container::SharedPtr<EpgSQLPluginVexmoor>();
-        OpenPlugin::forget();
-        epgset::useClock(nullptr);
-    }
-    FilledPlugin(const FilledPlugin&) = delete;
-    FilledPlugin& operator=(const FilledPlugin&) = delete;
-
-    Container::SharedPtr<EpgSQLPluginVexmoor> plugin;
-
-private:
-    epgset::ManualClock clock_{guideStart};
-};
-
 /// The statements of one import, as SQLite is handed them.
-std::vector<std::string> importedStatements(FilledPlugin& filled) {
+std::vector<std::string> importedStatements(LargeGuide& filled) {
     std::vector<std::string> statements;
     const auto keep = [](unsigned, void* list, void*, void* text) {
         static_cast<std::vector<std::string>*>(list)->emplace_back(static_cast<const char*>(text));
@@ -57,12 +28,14 @@ std::vector<std::string> importedStatements(FilledPlugin& filled) {
     sqlite3_trace_v2(database, SQLITE_TRACE_STMT, keep, &statements);
     filled.plugin->rebuildDB(true);
     sqlite3_trace_v2(database, 0, nullptr, nullptr);
-    statements.erase(statements.begin());  // the DROP of the table before
+    std::erase_if(statements, [](const std::string& text) {
+        return text.rfind("INSERT", 0) != 0 && text.rfind("CREATE TABLE", 0) != 0;
+    });
     return statements;
 }
 
 void importGuide(benchmark::State& state) {
-    FilledPlugin filled;
+    LargeGuide filled;
     for (auto _ : state)
         filled.plugin->rebuildDB(true);
 }
@@ -71,7 +44,7 @@ BENCHMARK(importGuide)->Name("import of 89,600 programmes")->Unit(benchmark::kMi
 void runBare(benchmark::State& state) {
     std::vector<std::string> statements;
     {
-        FilledPlugin filled;
+        LargeGuide filled;
         statements = importedStatements(filled);
     }
     for (auto _ : state) {

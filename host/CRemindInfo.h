@@ -1,7 +1,9 @@
 // One entry of the middleware's reminder store.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -71,8 +73,11 @@ public:
         m_manualRepeat = days;
     }
     void SetCreationMethod(CReminder::CREATION_TYPE method) { m_creationMethod = method; }
-    void SetStartTime(std::uint32_t localSeconds) { m_startTime = localSeconds; }
-    void SetDuration(std::uint32_t seconds) { m_duration = seconds; }
+
+    /// What the middleware's 32 bits cannot count becomes the nearest that they can, so that a store meets
+    /// a time that it refuses and not one that has wrapped.
+    void SetStartTime(long long localSeconds) { m_startTime = count(localSeconds); }
+    void SetDuration(long long seconds) { m_duration = count(seconds); }
     void Set(short major, short minor, std::uint16_t ptc, int channelType, std::uint16_t programNumber) {
         m_major = major;
         m_minor = minor;
@@ -84,6 +89,11 @@ public:
     void SetSynopsis(Text hostUnits) { m_synopsis = std::move(hostUnits); }
 
 private:
+    static std::uint32_t count(long long seconds) {
+        return static_cast<std::uint32_t>(
+            std::clamp<long long>(seconds, 0, std::numeric_limits<std::uint32_t>::max()));
+    }
+
     unsigned long m_uid = 0;
     int m_channelType = -1;
     short m_major = 0;

@@ -10,7 +10,7 @@
 #include "host/SharedPtr.h"
 
 /// One prepared statement, and the SQL text that is still to be compiled. Not copyable. Every
-/// operation is harmless on an empty handle, as SQLite's own row functions are.
+/// operation is harmless on an empty handle, as sqlite3_step and SQLite's column functions by value are.
 class HOST_API Statement {
 public:
     Statement() = default;

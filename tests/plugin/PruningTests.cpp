@@ -101,7 +101,7 @@ TEST_F(Pruning, GivesTheFreedPagesBack) {
         add("'pid-" + std::to_string(i) + "'", std::to_string(i), "''", "hex(zeroblob(50000))");
     EXPECT_GT(databaseSize(), 400'000);
     prune(5);
-    EXPECT_LE(databaseSize(), 2 * 4096);
+    EXPECT_LE(databaseSize(), 5 * 4096);  // one page for the schema, the table and each of its indexes
 }
 
 TEST_F(Pruning, KeepsBookedProgrammes) {

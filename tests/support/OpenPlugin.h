@@ -17,6 +17,7 @@ public:
     using EpgSQLPluginVexmoor::lastUpdateTime;
     using EpgSQLPluginVexmoor::m_addItemsToInsertSql;
     using EpgSQLPluginVexmoor::m_checkForChannelInDB;
+    using EpgSQLPluginVexmoor::m_createIndexes;
     using EpgSQLPluginVexmoor::m_configEpgDB;
     using EpgSQLPluginVexmoor::m_convertColNameToUrParam;
     using EpgSQLPluginVexmoor::m_copyQueryParams;
@@ -60,6 +61,8 @@ public:
     using EpgSQLPluginVexmoor::m_TableCreated;
     using EpgSQLPluginVexmoor::m_validateQueryParams;
     using EpgSQLPluginVexmoor::m_validateQueryParamsFieldName;
+    using EpgSQLPluginVexmoor::m_removeDBSchedData;
+    using EpgSQLPluginVexmoor::m_updateDBSchedData;
     using EpgSQLPluginVexmoor::programCounts;
 
     /// Brings the class back to the state in which the library is loaded.
