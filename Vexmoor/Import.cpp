@@ -1,8 +1,4 @@
 // The import: makes the table and fills it from the middleware's guide.
-//
-// Every row is a statement of its own, committed at once, so that the rows written before a failure
-// stay. One transaction around them would be rolled back whole by SQLite when the database is full,
-// and saves less than a tenth of the time in memory.
 #include <algorithm>
 #include <cstdint>
 #include <list>
@@ -13,24 +9,13 @@
 
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
 #include "Vexmoor/HeapText.h"
+#include "Vexmoor/ImportBatch.h"
 #include "host/AppTV.h"
 #include "host/CTimerUtil.h"
-#include "host/DomainException.h"
 
 namespace {
 
 constexpr std::uint32_t importHorizon = 604800;  // seven days
-
-/// Runs every statement of a text; raises when one fails.
-void runOrRaise(const std::string& sql, const Container::SharedPtr<Connection>& connection) {
-    Statement statement;
-    statement.setConnection(connection);
-    statement.setSql(sql);
-    do {
-        statement.compile();
-        if (!statement.step()) Container::raiseError("Failed to create DB entry");
-    } while (statement.hasMoreSql());
-}
 
 /// UNIX seconds of a record's time text, as the 32 bits that the table holds; -1 for no text.
 std::int32_t secondsOf(const char* iso8601) {
@@ -123,6 +108,7 @@ int EpgSQLPluginVexmoor::m_createTblFrmEpg(const std::string& templateText, std:
 int EpgSQLPluginVexmoor::m_parseEpgData(const std::string& templateText, std::string& table,
                                         ConnectionPtr connection, TARNO_rstr_uri_query_st* /*query*/) {
     pluginLogger.debug("Start of m_retrieveEpgData, looping through channels...\n");
+    const ImportBatch batch(connection);
     std::string columns = templateText;
     std::vector<int> codes;
     m_extractColsFrmQueryInt(columns, &codes);
@@ -189,7 +175,7 @@ void EpgSQLPluginVexmoor::m_getDataFromEpgCacheFAST(std::vector<int>* codes, std
     if (start > horizon) return;
     std::string sql;
     m_getInsertSql(&values, sql, table);
-    runOrRaise(sql, connection);
+    ImportBatch::run(sql, connection);
 }
 
 void EpgSQLPluginVexmoor::m_getSchedDataFromEpgCache(int code, std::list<std::string>* values, bool found,
@@ -215,7 +201,7 @@ void EpgSQLPluginVexmoor::m_insertFakeProgram(TCChannel* channel, ConnectionPtr 
     const std::string path = escaped(t_get_channel_path(channel));
     const std::string antenna = escaped(t_get_name_from_tvmode(channel->TvMode()));
     const std::string serviceType = escaped(t_get_channel_service_type(channel));
-    runOrRaise(
+    ImportBatch::run(
         "INSERT INTO myView (ChannelId, ChannelNumber, ChannelName, ChannelPath, ServiceType, AntennaType, "
         "ScrambledFlag, EventId, ProgramName, ProgramStartTime, ProgramEndTime,ScheduleId, ScheduleType, "
         "Repeat) VALUES ('" +
