@@ -7,7 +7,7 @@
 namespace epgset {
 namespace {
 
-constexpr std::array<const char*, 1> steps{
+constexpr std::array<const char*, 1> stepsOfTheStore{
     // AUTOINCREMENT: the uid of an entry that is gone is never given out again. Clients see it as a 32-bit
     // number. The start is kept twice: start_utc in UNIX seconds, which decides for an entry that does not
     // repeat, whatever zone the middleware counts in; start_wall, NULL for such an entry, in seconds of the
@@ -40,7 +40,7 @@ std::int64_t numberOf(OwnDatabase& database, const char* query) {
 }  // namespace
 
 std::span<const char* const> reminderSchemaSteps() {
-    return steps;
+    return stepsOfTheStore;
 }
 
 void migrateReminders(OwnDatabase& database, std::span<const char* const> steps) {

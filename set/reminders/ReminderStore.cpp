@@ -72,7 +72,8 @@ bool ReminderStore::GetRemindItemByType(int& count, std::vector<CRemindInfo>& it
         for (const ReminderEntry* entry : index_.select([](const ReminderEntry&) { return true; }))
             items.push_back(infoOf(*entry));
     }
-    std::ranges::stable_partition(items, [&](const CRemindInfo& info) { return isInLineup(*guide, info); });
+    std::stable_partition(items.begin(), items.end(),
+                          [&](const CRemindInfo& info) { return isInLineup(*guide, info); });
     count = static_cast<int>(items.size());
     return true;
 }

@@ -58,9 +58,11 @@ protected:
 
     /// Opens the store, again where it is open, as a new start of the set does.
     void open() {
-        store_.reset();
+        close();
         store_ = std::make_unique<ReminderStore>(file());
     }
+
+    void close() { store_.reset(); }
 
     /// The UID of a new entry; 0 when it was refused.
     unsigned long add(CRemindInfo info) { return store().AddRemindItem(info, 0) ? info.UID() : 0; }

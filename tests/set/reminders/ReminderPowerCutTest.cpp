@@ -23,10 +23,10 @@ int resultOfKilledProcess(const std::function<int()>& function) {
         const bool told = write(ends[1], &result, sizeof result) == sizeof result;
         kill(getpid(), told ? SIGKILL : SIGABRT);
     }
-    close(ends[1]);
+    ::close(ends[1]);
     int result = -1;
     EXPECT_EQ(read(ends[0], &result, sizeof result), static_cast<ssize_t>(sizeof result));
-    close(ends[0]);
+    ::close(ends[0]);
     int status = 0;
     waitpid(child, &status, 0);
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
@@ -38,6 +38,7 @@ using ReminderPowerCutTest = ReminderFixture;
 TEST_F(ReminderPowerCutTest, LosesNothingThatWasAnswered) {
     const unsigned long before = add(manualEntry(2'000'000, 60));
     const unsigned long removed = add(manualEntry(2'500'000, 60));
+    close();  // no open database goes into another process
     const int added = resultOfKilledProcess([&] {
         ReminderStore store(file());
         CRemindInfo info = manualEntry(3'000'000, 60);
@@ -52,6 +53,7 @@ TEST_F(ReminderPowerCutTest, LosesNothingThatWasAnswered) {
 }
 
 TEST_F(ReminderPowerCutTest, KeepsTheUidsOfWhatWasRemovedBefore) {
+    close();  // no open database goes into another process
     const int last = resultOfKilledProcess([&] {
         ReminderStore store(file());
         CRemindInfo info = manualEntry(3'000'000, 60);
@@ -63,6 +65,7 @@ TEST_F(ReminderPowerCutTest, KeepsTheUidsOfWhatWasRemovedBefore) {
 }
 
 TEST_F(ReminderPowerCutTest, LeavesEarlierEntriesWholeWhenTheDiskRunsFull) {
+    close();  // no open database goes into another process
     const int kept = resultOfKilledProcess([&] {
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit small{200'000, 200'000};  // bytes a file may grow to
