@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "set/demo/DemoChannels.h"
-#include "set/guide/GuideBuilder.h"
+#include "set/guide/EventIds.h"
+#include "set/guide/GuideCollector.h"
 #include "set/middleware/ReceptionModes.h"
 
 namespace epgset {
@@ -41,23 +42,23 @@ private:
     std::array<std::vector<const DemoShow*>, demoKindCount> byKind_;
 };
 
-Channel channelOf(const DemoChannel& demo, std::size_t position) {
-    Channel channel;
+CollectedChannel channelOf(const DemoChannel& demo, std::size_t position) {
+    CollectedChannel channel;
     const auto mode = static_cast<std::size_t>(receptionModeByName(demo.antenna));
+    const std::string number = std::to_string(demo.major) + "-" + std::to_string(demo.minor);
+    channel.id = std::string(demo.antenna) + "-" + number + ".demo";
+    channel.defined = true;
+    channel.displayNames = {std::string(demo.name)};
+    channel.lcn = number;
     channel.tvMode = receptionModes()[mode].tvMode;
-    channel.id = std::string(demo.antenna) + "-" + std::to_string(demo.major) + "-" +
-                 std::to_string(demo.minor) + ".demo";
-    channel.name = demo.name;
-    channel.major = demo.major;
-    channel.minor = demo.minor;
-    channel.scrambled = demo.scrambled;
     channel.serviceType = demo.radio ? 2 : 1;
+    channel.scrambled = demo.scrambled;
     channel.programNumber = static_cast<std::uint16_t>(position + 1);
     return channel;
 }
 
 /// Adds one day, counted from 1 January 1970, of a channel that has programmes.
-void addDay(GuideBuilder& builder, std::size_t handle, const DemoChannel& channel,
+void addDay(GuideCollector& collector, std::size_t position, const DemoChannel& channel,
             const Repertoire& repertoire, std::int64_t day) {
     std::array<std::size_t, demoKindCount> occurrences{};
     std::int64_t start = day * secondsADay;
@@ -65,36 +66,46 @@ void addDay(GuideBuilder& builder, std::size_t handle, const DemoChannel& channe
         for (const DemoSlot& slot : channel.day) {
             std::size_t& occurrence = occurrences[static_cast<std::size_t>(slot.kind)];
             const DemoShow& show =
-                repertoire.pick(slot.kind, occurrence++, static_cast<std::size_t>(day), handle);
-            GuideBuilder::ProgrammeDraft draft;
-            draft.start = static_cast<std::uint32_t>(start);
-            draft.stop = static_cast<std::uint32_t>(start + slot.minutes * 60);
-            draft.eventId = static_cast<std::uint16_t>(start / 60 % 65535 + 1);
-            draft.scrambled = channel.scrambled;
-            draft.title = show.title;
-            draft.synopsis = show.synopsis;
-            if (Repertoire::comesInEpisodes(slot.kind)) draft.series = show.title;
-            builder.addProgramme(handle, draft);
+                repertoire.pick(slot.kind, occurrence++, static_cast<std::size_t>(day), position);
+            CollectedProgramme programme;
+            programme.channel = static_cast<std::uint32_t>(position);
+            programme.start = static_cast<std::uint32_t>(start);
+            programme.stop = static_cast<std::uint32_t>(start + slot.minutes * 60);
+            programme.inSeries = Repertoire::comesInEpisodes(slot.kind);
+            programme.title = collector.texts.add(show.title);
+            programme.synopsis = collector.texts.add(show.synopsis);
+            collector.programmes.push_back(programme);
             start += slot.minutes * 60;
         }
     }
 }
 
-}  // namespace
-
-std::shared_ptr<const Guide> demoGuide(std::int64_t now) {
+void collect(std::int64_t now, GuideCollector& collector) {
     const std::int64_t today = now / secondsADay - (now % secondsADay < 0 ? 1 : 0);
     const std::int64_t first = std::clamp<std::int64_t>(today - daysBefore, 0, lastDay - days + 1);
-    GuideBuilder builder;
+    collector.startGuide();
     for (std::size_t position = 0; position < demoChannels().size(); ++position) {
         const DemoChannel& channel = demoChannels()[position];
-        const std::size_t handle = builder.addChannel(channelOf(channel, position));
+        collector.channels.push_back(channelOf(channel, position));
         if (channel.day.empty()) continue;
         const Repertoire repertoire(channel.shows);
         for (std::int64_t day = first; day < first + days; ++day)
-            addDay(builder, handle, channel, repertoire, day);
+            addDay(collector, position, channel, repertoire, day);
     }
-    return builder.finish();
+}
+
+}  // namespace
+
+LoadedGuide loadDemoGuide(const GuideSources& sources) {
+    // No two programmes of these few days collide, so that their ids need not be remembered.
+    EventIds ids;
+    return loadGuideOf([&](GuideCollector& collector) { collect(sources.now, collector); }, sources, ids);
+}
+
+std::shared_ptr<const Guide> demoGuide(std::int64_t now) {
+    GuideSources sources;
+    sources.now = now;
+    return loadDemoGuide(sources).guide;
 }
 
 }  // namespace epgset

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "set/guide/Guide.h"
+#include "set/guide/GuideLoader.h"
 
 namespace epgset {
 
@@ -12,5 +13,10 @@ namespace epgset {
 /// and the six after it, in UTC, without gaps. It is the same whenever it is made within one day, and what
 /// two days' guides have in common is the same in both, event ids included.
 std::shared_ptr<const Guide> demoGuide(std::int64_t now);
+
+/// That guide around `sources.now`, with the line-up and the bounds of `sources`, whose guides are not read.
+/// A channel's id is "ANTENNA-MAJOR-MINOR.demo", as in "AIR-7-1.demo". Throws GuideError for a line-up that
+/// cannot be used.
+LoadedGuide loadDemoGuide(const GuideSources& sources);
 
 }  // namespace epgset

@@ -11,7 +11,8 @@
 
 namespace epgset {
 
-/// Reads the guides and the line-up that the options name, or makes the demo guide. Used by one thread.
+/// Reads the guides and the line-up that the options name, or makes the demo guide, which a line-up shapes as
+/// well. Used by one thread at a time.
 class GuideSource {
 public:
     /// The options must outlive the source.
@@ -28,8 +29,6 @@ public:
     void keepEventIds();
 
 private:
-    std::shared_ptr<const Guide> loadFiles();
-
     const Options& options_;
     EventIds eventIds_;
     std::int64_t loadAgainBy_;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "set/guide/ChannelNumbers.h"
+#include "set/guide/TextLimits.h"
 
 namespace epgset {
 namespace {
@@ -16,7 +17,7 @@ struct Candidate {
     std::size_t collectedIndex = 0;
 };
 
-/// What a line-up entry states; no entry states the defaults.
+/// What the line-up states of a channel, else the guide, else the defaults.
 Candidate candidateFor(const std::string& id, const LineupEntry* entry, const CollectedChannel* collected) {
     Candidate candidate{{}, std::nullopt, collected};
     Channel& channel = candidate.channel;
@@ -28,12 +29,18 @@ Candidate candidateFor(const std::string& id, const LineupEntry* entry, const Co
         channel.serviceType = entry->serviceType;
         channel.source = entry->source;
         candidate.number = entry->number;
+    } else if (collected != nullptr) {
+        channel.tvMode = collected->tvMode;
+        channel.scrambled = collected->scrambled;
+        channel.serviceType = collected->serviceType;
     }
+    if (collected != nullptr) channel.programNumber = collected->programNumber;
     if (entry != nullptr && entry->name) {
         channel.name = *entry->name;
     } else {
         channel.name = collected == nullptr ? id : channelName(collected->displayNames, id);
     }
+    channel.name.resize(cutToLimit(channel.name, kLongestName).size());
     return candidate;
 }
 
@@ -42,10 +49,7 @@ std::vector<ChannelNumber> statedNumbers(const CollectedChannel& channel) {
     std::vector<ChannelNumber> numbers;
     if (const auto number = readChannelNumber(channel.lcn)) numbers.push_back(*number);
     for (const std::string& name : channel.displayNames) {
-        const auto number = readChannelNumber(name);
-        if (!number) continue;
-        numbers.push_back(*number);
-        break;
+        if (const auto number = readChannelNumber(name)) numbers.push_back(*number);
     }
     return numbers;
 }

@@ -12,9 +12,12 @@ namespace epgset {
 namespace {
 
 constexpr std::int64_t kDay = 24 * 3600;
-// Seven days, and one more: the middleware may count in a zone's time, and tables are filled again as time
-// goes by.
-constexpr std::int64_t kHorizon = 8 * kDay;
+// The plug-in fills its table with seven days, and the middleware may count in the time of a zone, at most 14
+// hours ahead.
+constexpr std::int64_t kTableHorizon = 7 * kDay + 14 * 3600;
+// What is counted reaches further, so that a table that was just filled to its bound holds for some hours and
+// need not be bounded again when the very next programme comes near.
+constexpr std::int64_t kCountedHorizon = 8 * kDay;
 
 using Indices = std::vector<std::uint32_t>;
 
@@ -30,6 +33,7 @@ public:
     void holdEventIds();
     void holdNumber();
     void holdTable();
+    bool exceedsTable() const { return table().pages() > bounds_.maxTablePages; }
     std::optional<std::int64_t> fitsUntil() const;
 
     const std::vector<bool>& kept() const { return kept_; }
@@ -106,7 +110,7 @@ bool Bounding::inTable(std::uint32_t index) const {
     const ScheduledProgramme& programme = programmes_[index];
     // The plug-in compares in signed 32 bits, where times from 2038 on are long past.
     return channels_[programme.channel].digital &&
-           static_cast<std::int32_t>(programme.start) <= bounds_.now + kHorizon;
+           static_cast<std::int32_t>(programme.start) - kCountedHorizon <= bounds_.now;
 }
 
 std::size_t Bounding::rowBytes(std::uint32_t index) const {
@@ -141,7 +145,7 @@ std::optional<std::int64_t> Bounding::fitsUntil() const {
     TableEstimate estimate = table();
     for (const std::uint32_t index : later) {
         estimate.addRow(rowBytes(index));
-        if (estimate.pages() > bounds_.maxTablePages) return programmes_[index].start - kHorizon;
+        if (estimate.pages() > bounds_.maxTablePages) return programmes_[index].start - kTableHorizon;
     }
     return std::nullopt;
 }
@@ -157,6 +161,8 @@ BoundedGuide applyBounds(std::vector<ScheduledProgramme>& programmes, const std:
         bounding.holdNumber();
         bounding.holdTable();
         result.fitsUntil = bounding.fitsUntil();
+    } else {
+        result.exceedsTable = bounding.exceedsTable();
     }
     std::size_t at = 0;
     result.dropped =

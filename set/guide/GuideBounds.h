@@ -13,7 +13,7 @@ namespace epgset {
 
 /// The bounds of a guide. Those of one channel's event ids hold always.
 struct GuideBounds {
-    std::size_t maxProgrammes = 0;  ///< 0: no bound, neither of the number nor of the table
+    std::size_t maxProgrammes = 0;  ///< 0: nothing is dropped for the number or for the table
     std::size_t maxTablePages = 0;  ///< of the plug-in's table, by estimate
     std::int64_t now = 0;           ///< UNIX seconds
 };
@@ -21,8 +21,11 @@ struct GuideBounds {
 /// What bounding a guide came to.
 struct BoundedGuide {
     std::size_t dropped = 0;
-    /// When programmes that come near would first make the table larger than its bound; nothing: never. A
-    /// guide that is loaded afresh by then fits again.
+    /// Without a bound: whether the plug-in's table would, by estimate, not hold what it is to be filled
+    /// with.
+    bool exceedsTable = false;
+    /// When programmes that come near would first make the table larger than its bound; nothing: never, or
+    /// there is no bound. A guide that is loaded afresh by then fits again. At least ten hours from `now`.
     std::optional<std::int64_t> fitsUntil;
 };
 

@@ -2,6 +2,8 @@
 
 #include <charconv>
 
+#include "set/guide/ChannelNumbers.h"
+#include "set/guide/TextLimits.h"
 #include "set/guide/XmltvTime.h"
 
 namespace epgset {
@@ -27,6 +29,8 @@ void GuideCollector::channel(const XmltvChannel& channel) {
     known.defined = true;
     known.displayNames = channel.displayNames;
     known.lcn = channel.lcn;
+    // Cut where the channel is named: as a number, a text of any length is read whole.
+    if (channelName(known.displayNames, known.id).size() > kLongestName) ++counts_.back().textsCut;
 }
 
 void GuideCollector::programme(const XmltvProgramme& programme) {
@@ -49,8 +53,13 @@ void GuideCollector::programme(const XmltvProgramme& programme) {
     added.stop = stop;
     added.clump = readClumpPart(programme.clumpidx);
     added.inSeries = programme.episode;
-    added.title = texts.add(programme.title);
-    added.synopsis = texts.add(programme.synopsis);
+    added.title = keep(programme.title, kLongestName);
+    added.synopsis = keep(programme.synopsis, kLongestSynopsis);
+}
+
+std::string_view GuideCollector::keep(std::string_view text, std::size_t limit) {
+    if (text.size() > limit) ++counts_.back().textsCut;
+    return texts.add(cutToLimit(text, limit));
 }
 
 std::uint32_t GuideCollector::channelIndex(const std::string& id) {

@@ -31,6 +31,12 @@ struct CollectedChannel {
     bool defined = false;  ///< it has a <channel>; else programmes name it
     std::vector<std::string> displayNames;
     std::string lcn;
+
+    // How it is received, for a channel that the line-up does not name. XMLTV states nothing of it.
+    int tvMode = 0;                ///< reception mode, a row of receptionModes()
+    std::uint8_t serviceType = 1;  ///< as Channel::serviceType
+    bool scrambled = false;
+    std::uint16_t programNumber = 0;
 };
 
 /// A programme with a readable start. The texts live in the collector's pool.
@@ -52,12 +58,13 @@ struct GuideCounts {
     std::size_t ofUnknownChannel = 0;
     std::size_t withoutStart = 0;
     std::size_t endingBeforeStart = 0;
+    std::size_t textsCut = 0;  ///< titles, synopses and names of channels that were too long
 
     std::size_t skippedProgrammes() const { return ofUnknownChannel + withoutStart + endingBeforeStart; }
 };
 
 /// Takes what is read of several guides, one after the other. The first guide that defines a channel
-/// describes it; programmes count whichever guide they stand in.
+/// describes it; programmes count whichever guide they stand in. Texts are kept up to their limits.
 class GuideCollector : public XmltvSink {
 public:
     /// Begins with another guide.
@@ -77,6 +84,7 @@ public:
 
 private:
     std::uint32_t channelIndex(const std::string& id);
+    std::string_view keep(std::string_view text, std::size_t limit);
 
     std::unordered_map<std::string, std::uint32_t> indexOfId_;
     std::vector<GuideCounts> counts_;

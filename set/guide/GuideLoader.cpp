@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -17,6 +18,7 @@
 #include "set/guide/GuideCollector.h"
 #include "set/guide/Lineup.h"
 #include "set/guide/ProgrammeMerge.h"
+#include "set/guide/TextLimits.h"
 #include "set/guide/XmltvReader.h"
 
 namespace epgset {
@@ -50,28 +52,41 @@ void placeProgrammes(GuideCollector& collector, const ChannelList& list) {
 
 void warnOfGuide(const std::filesystem::path& guide, const GuideCounts& counts) {
     if (counts.records == 0) log().warning("%s: the guide has no channel and no programme", guide.string());
-    std::string message;
+    std::vector<std::string> parts;
     if (counts.skippedProgrammes() > 0) {
-        message = fmt::format(
-            "skipped {} programmes: {} of unknown channels, {} without a readable start, {} that end before "
-            "they "
-            "start",
-            counts.skippedProgrammes(), counts.ofUnknownChannel, counts.withoutStart,
-            counts.endingBeforeStart);
+        parts.push_back(
+            fmt::format("skipped {} programmes: {} of unknown channels, {} without a readable start, "
+                        "{} that end before they start",
+                        counts.skippedProgrammes(), counts.ofUnknownChannel, counts.withoutStart,
+                        counts.endingBeforeStart));
     }
     if (counts.channelsWithoutId > 0) {
-        message += fmt::format("{}skipped {} channels without an id", message.empty() ? "" : "; ",
-                               counts.channelsWithoutId);
+        parts.push_back(fmt::format("skipped {} channels without an id", counts.channelsWithoutId));
     }
-    if (!message.empty()) log().warning("%s: %s", guide.string(), message);
+    if (counts.textsCut > 0) parts.push_back(fmt::format("cut {} texts that are too long", counts.textsCut));
+    if (!parts.empty()) log().warning("%s: %s", guide.string(), fmt::to_string(fmt::join(parts, "; ")));
 }
 
-void warnOfChannels(const GuideSources& sources, const ChannelList& list) {
+void warnOfChannels(const GuideSources& sources, const Lineup& lineup, const ChannelList& list) {
     for (const std::string& id : list.missing) {
         log().warning("%s: no guide has the channel \"%s\"", sources.lineup->string(), id);
     }
+    const auto namesCut = std::ranges::count_if(lineup.entries(), [](const LineupEntry& entry) {
+        return entry.name && entry.name->size() > kLongestName;
+    });
+    if (namesCut > 0) log().warning("%s: cut %d names that are too long", sources.lineup->string(), namesCut);
     if (list.withoutNumber > 0) {
         log().warning("%d channels are left out: their antenna has no number left", list.withoutNumber);
+    }
+}
+
+void warnOfBounds(const BoundedGuide& bounded) {
+    if (bounded.dropped > 0) {
+        log().warning("%d programmes are left out: the guide cache and the plug-in's table hold no more",
+                      bounded.dropped);
+    }
+    if (bounded.exceedsTable) {
+        log().warning("the guide is larger than the plug-in's table, which will not hold all of it");
     }
 }
 
@@ -94,32 +109,36 @@ void sortChannels(ChannelList& list, std::vector<CollectedProgramme>& programmes
         programme.channel = newIndex[programme.channel];
 }
 
-void addChannelProgrammes(GuideBuilder& builder, std::size_t channel,
-                          std::span<const ScheduledProgramme> programmes, const std::string& channelId,
-                          EventIds& ids) {
+/// Adds a channel and its programmes.
+void addChannel(GuideBuilder& builder, Channel channel, std::span<const ScheduledProgramme> programmes,
+                EventIds& ids) {
     std::vector<std::uint32_t> starts;
     starts.reserve(programmes.size());
     for (const ScheduledProgramme& programme : programmes)
         starts.push_back(programme.start);
-    const std::vector<std::uint16_t> given = ids.assign(channelId, starts);
+    const std::vector<std::uint16_t> given = ids.assign(channel.id, starts);
+    const bool scrambled = channel.scrambled;
+    const std::size_t handle = builder.addChannel(std::move(channel));
     for (std::size_t index = 0; index < programmes.size(); ++index) {
         const ScheduledProgramme& programme = programmes[index];
         GuideBuilder::ProgrammeDraft draft;
         draft.start = programme.start;
         draft.stop = programme.stop;
         draft.eventId = given[index];
+        draft.scrambled = scrambled;
         draft.title = programme.title;
         draft.synopsis = programme.synopsis;
         if (programme.inSeries) draft.series = programme.title;
-        builder.addProgramme(channel, draft);
+        builder.addProgramme(handle, draft);
     }
 }
 
 /// Sorted, bounded and with its ids, of what the guides hold.
-LoadedGuide load(const GuideSources& sources, EventIds& ids) {
+LoadedGuide load(const std::function<void(GuideCollector&)>& collect, const GuideSources& sources,
+                 EventIds& ids) {
     const Lineup lineup = sources.lineup ? Lineup(*sources.lineup) : Lineup();
     GuideCollector collector;
-    readGuides(sources.guides, collector);
+    collect(collector);
     const std::size_t read = collector.programmes.size();
 
     ChannelList list = listChannels(collector.channels, lineup);
@@ -130,27 +149,24 @@ LoadedGuide load(const GuideSources& sources, EventIds& ids) {
         applyBounds(programmes, list.channels, {sources.maxProgrammes, kTablePages, sources.now});
 
     LoadedGuide loaded;
-    warnOfChannels(sources, list);
+    warnOfChannels(sources, lineup, list);
     for (std::size_t index = 0; index < sources.guides.size(); ++index) {
         warnOfGuide(sources.guides[index], collector.counts()[index]);
         loaded.programmesSkipped += collector.counts()[index].skippedProgrammes();
     }
-    if (bounded.dropped > 0) {
-        log().warning("%d programmes are left out: the guide cache and the plug-in's table hold no more",
-                      bounded.dropped);
-    }
+    warnOfBounds(bounded);
 
     // Where texts of programmes that are not kept lie between the others, the builder copies what it needs.
     GuideBuilder builder(programmes.size() == read ? std::exchange(collector.texts, {}) : TextPool());
     ids.startGuide();
     auto first = programmes.cbegin();
+    std::uint32_t position = 0;
     for (Channel& channel : list.channels) {
-        const std::string id = channel.id;
-        const std::size_t handle = builder.addChannel(std::move(channel));
         const auto last = std::find_if(first, programmes.cend(),
-                                       [&](const auto& programme) { return programme.channel != handle; });
-        addChannelProgrammes(builder, handle, {first, last}, id, ids);
+                                       [&](const auto& programme) { return programme.channel != position; });
+        addChannel(builder, std::move(channel), {first, last}, ids);
         first = last;
+        ++position;
     }
     builder.setProgrammesDropped(bounded.dropped);
     loaded.guide = builder.finish();
@@ -160,15 +176,21 @@ LoadedGuide load(const GuideSources& sources, EventIds& ids) {
 
 }  // namespace
 
-LoadedGuide loadGuide(const GuideSources& sources, EventIds& ids) {
+LoadedGuide loadGuideOf(const std::function<void(GuideCollector&)>& collect, const GuideSources& sources,
+                        EventIds& ids) {
     const auto began = std::chrono::steady_clock::now();
-    LoadedGuide loaded = load(sources, ids);
+    LoadedGuide loaded = load(collect, sources, ids);
     // What loading took for a while lies between what stays; the system gets it back page by page.
     ::malloc_trim(0);
-    loaded.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
     log().debug("%d channels, %d programmes, %d skipped, in %.3f s", loaded.guide->channels().size(),
-                loaded.guide->programmes().size(), loaded.programmesSkipped, loaded.seconds);
+                loaded.guide->programmes().size(), loaded.programmesSkipped, took.count());
     return loaded;
+}
+
+LoadedGuide loadGuide(const GuideSources& sources, EventIds& ids) {
+    const auto readFiles = [&](GuideCollector& collector) { readGuides(sources.guides, collector); };
+    return loadGuideOf(readFiles, sources, ids);
 }
 
 }  // namespace epgset

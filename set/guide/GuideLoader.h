@@ -4,12 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
 
 #include "set/guide/EventIds.h"
 #include "set/guide/Guide.h"
+#include "set/guide/GuideCollector.h"
 
 namespace epgset {
 
@@ -25,16 +27,20 @@ struct GuideSources {
 struct LoadedGuide {
     std::shared_ptr<const Guide> guide;
     std::size_t programmesSkipped = 0;  ///< of unknown channels, without a readable start, ending before it
-    double seconds = 0;                 ///< that loading took
     /// UNIX time at which the plug-in's table, filled as time goes by, would no longer hold what comes near;
     /// loading again before then leaves out what is needed. Nothing: the table holds it all.
     std::optional<std::int64_t> fitsUntil;
 };
 
 /// Reads the line-up and the guides. What can be lived with is logged as a warning: one a guide for what of
-/// it was skipped, and one for what the bounds dropped. Throws GuideError for a file that cannot be used;
-/// `ids` is as it was then. The ids that it gives out are not saved: the caller does so when the guide is in
-/// use.
+/// it was skipped or cut, and one for what the bounds dropped. Throws GuideError for a file that cannot be
+/// used; `ids` is as it was then. The ids that it gives out are not saved: the caller does so when the guide
+/// is in use.
 LoadedGuide loadGuide(const GuideSources& sources, EventIds& ids);
+
+/// The same, but the channels and programmes are what `collect` puts into the collector, as one guide, and
+/// not those of files.
+LoadedGuide loadGuideOf(const std::function<void(GuideCollector&)>& collect, const GuideSources& sources,
+                        EventIds& ids);
 
 }  // namespace epgset

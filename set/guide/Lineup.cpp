@@ -113,14 +113,12 @@ bool EntryReader::truth(std::string_view key, const toml::node& value) const {
 }
 
 ChannelNumber EntryReader::number(const toml::node& value) const {
-    std::string written;
     if (const auto integer = value.value_exact<std::int64_t>()) {
-        written = std::to_string(*integer);
-    } else if (const auto asText = value.value_exact<std::string>()) {
-        written = *asText;
-    } else {
-        refuse(value, "number must be a text such as \"7\" or \"7-2\"");
+        refuse(value, "number must be a text: number = \"" + std::to_string(*integer) + "\"");
     }
+    const auto asText = value.value_exact<std::string>();
+    if (!asText) refuse(value, "number must be a text such as \"7\" or \"7-2\"");
+    const std::string& written = *asText;
     const auto read = readChannelNumber(written);
     if (!read || written.find('.') != std::string::npos) {
         refuse(value, "no channel number: " + inQuotes(written) +

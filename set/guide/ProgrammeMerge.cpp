@@ -8,6 +8,8 @@
 #include <string>
 #include <tuple>
 
+#include "set/guide/TextLimits.h"
+
 namespace epgset {
 namespace {
 
@@ -22,13 +24,15 @@ CollectedProgramme joined(const std::map<std::uint16_t, const CollectedProgramme
     CollectedProgramme whole = *parts.begin()->second;
     std::string title;
     for (const auto& [index, part] : parts) {
-        if (!title.empty() && !part->title.empty()) title += " / ";
-        title += part->title;
+        if (title.size() < kLongestName) {
+            if (!title.empty() && !part->title.empty()) title += " / ";
+            title += part->title;
+        }
         whole.stop = std::max(whole.stop, part->stop);  // a missing one counts as the earliest
         whole.inSeries = whole.inSeries || part->inSeries;
         if (whole.synopsis.empty()) whole.synopsis = part->synopsis;
     }
-    whole.title = texts.add(title);
+    whole.title = texts.add(cutToLimit(title, kLongestName));
     return whole;
 }
 

@@ -12,6 +12,7 @@
 #include "set/middleware/ReceptionModes.h"
 #include "set/text/Utf16.h"
 #include "set/text/Utf8.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace epgset {
 namespace {
@@ -230,6 +231,42 @@ TEST(DemoGuide, StaysWithin32BitTimeWhateverTheClock) {
         }
     }
     EXPECT_EQ(demoGuide(-1)->programmes().front().start, 0U);
+}
+
+TEST(DemoGuide, IsBoundedAsAnyOther) {
+    GuideSources sources;
+    sources.now = now;
+    sources.maxProgrammes = 100;
+    const LoadedGuide bounded = loadDemoGuide(sources);
+    EXPECT_EQ(bounded.guide->programmes().size(), 100U);
+    EXPECT_EQ(bounded.guide->programmesDropped(), guide()->programmes().size() - 100);
+    for (const Programme& programme : bounded.guide->programmes())
+        EXPECT_GT(programme.stop, now) << "what has ended goes first";
+}
+
+TEST(DemoGuide, FollowsALineup) {
+    const test::TemporaryFolder folder;
+    GuideSources sources;
+    sources.now = now;
+    sources.lineup = folder.write("lineup.toml", R"([[channel]]
+id = "AIR-1-0.demo"
+name = "First"
+number = "21"
+source = "http://127.0.0.1/one"
+[[channel]]
+id = "CABLE-1-0.demo"
+hidden = true
+)");
+    const auto shaped = loadDemoGuide(sources).guide;
+    EXPECT_EQ(shaped->channels().size(), guide()->channels().size() - 1);
+    EXPECT_EQ(shaped->find(0, 1, 0), nullptr);
+    const Channel* const first = shaped->find(0, 21, 0);
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(first->name, "First");
+    EXPECT_EQ(first->source, "http://127.0.0.1/one");
+    EXPECT_EQ(first->programmeCount, guide()->find(0, 1, 0)->programmeCount);
+    EXPECT_EQ(shaped->find(1, 1, 0), nullptr);
+    EXPECT_NE(shaped->find(1, 2, 0), nullptr);
 }
 
 }  // namespace

@@ -103,6 +103,15 @@ TEST(GuideBounds, LeaveAloneWhatTheTableDoesNotHoldYet) {
     EXPECT_GT(again.dropped, 0U);
 }
 
+TEST(GuideBounds, HoldForTenHoursAtLeastAfterTheTableWasFilledToItsBound) {
+    const std::string title(3000, 'x');
+    auto programmes = hourly(24 * 12, 0, title);
+    const auto bounded = applyBounds(programmes, {channel()}, {1000, 100, kNow});
+    EXPECT_GT(bounded.dropped, 0U);
+    ASSERT_TRUE(bounded.fitsUntil.has_value());
+    EXPECT_GE(*bounded.fitsUntil, kNow + 10 * 3600);
+}
+
 TEST(GuideBounds, CountTimesFrom2038OnAsInTheTable) {
     const std::string title(3000, 'x');
     std::vector<ScheduledProgramme> programmes;
@@ -116,9 +125,13 @@ TEST(GuideBounds, DoNotCountAnalogueChannelsInTheTable) {
     EXPECT_EQ(applyBounds(programmes, {channel(false)}, {1000, 4, kNow}).dropped, 0U);
 }
 
-TEST(GuideBounds, OfZeroHoldsNothing) {
-    auto programmes = hourly(100, 50);
-    EXPECT_EQ(applyBounds(programmes, {channel()}, {0, 1, kNow}).dropped, 0U);
+TEST(GuideBounds, OfZeroDropNothingAndTellWhatTheTableDoesNotHold) {
+    auto programmes = hourly(100, 50, std::string(3000, 'x'));
+    const auto exceeding = applyBounds(programmes, {channel()}, {0, 50, kNow});
+    EXPECT_EQ(exceeding.dropped, 0U);
+    EXPECT_TRUE(exceeding.exceedsTable);
+    EXPECT_EQ(programmes.size(), 100U);
+    EXPECT_FALSE(applyBounds(programmes, {channel()}, {0, 200, kNow}).exceedsTable);
 }
 
 TEST(GuideBounds, AlwaysHoldWhatEventIdsCanName) {

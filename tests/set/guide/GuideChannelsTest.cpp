@@ -28,6 +28,34 @@ TEST_F(GuideChannels, WhoseNumberIsTakenCountAsWithoutOne) {
     EXPECT_THAT(listed(load()), ElementsAre("1 B", "2 C", "7 A"));
 }
 
+TEST_F(GuideChannels, WhoseFirstNumberIsTakenHaveTheNextThatTheyState) {
+    guide(R"(<channel id="a"><display-name>A</display-name><lcn>7</lcn></channel>
+<channel id="b"><display-name>B</display-name><display-name>7</display-name>
+<display-name>0</display-name><display-name>9</display-name><display-name>12</display-name><lcn>7</lcn></channel>
+<channel id="c"><display-name>C</display-name><display-name>9</display-name><display-name>7</display-name></channel>)");
+    EXPECT_THAT(listed(load()), ElementsAre("1 C", "7 A", "9 B"));
+}
+
+TEST_F(GuideChannels, WhoseNameIsTooLongAreNamedByItsBeginning) {
+    const std::string giant(2'000'000, 'n');
+    guide("<channel id='a'><display-name>" + giant + "</display-name></channel>" +
+          "<channel id='b'><display-name>short</display-name><display-name>" + giant +
+          "</display-name></channel>" + "<channel id='" + giant + "'/>");
+    const Guide& guide = load();
+    ASSERT_EQ(guide.channels().size(), 3U);
+    EXPECT_EQ(guide.channels()[0].name, std::string(4096, 'n'));
+    EXPECT_EQ(guide.channels()[1].name, "short");
+    EXPECT_EQ(guide.channels()[2].name, std::string(4096, 'n'));
+    EXPECT_THAT(warnings(), ElementsAre(HasSubstr("guide0.xml: cut 2 texts that are too long")));
+}
+
+TEST_F(GuideChannels, WhoseNameInTheLineupIsTooLongAreNamedByItsBeginning) {
+    guide("<channel id='a'/>");
+    lineup("[[channel]]\nid = \"a\"\nname = \"" + std::string(2'000'000, 'n') + "\"\n");
+    EXPECT_EQ(load().channels()[0].name, std::string(4096, 'n'));
+    EXPECT_THAT(warnings(), ElementsAre(HasSubstr("lineup.toml: cut 1 names that are too long")));
+}
+
 TEST_F(GuideChannels, WhoseNumberIsOutOfRangeCountAsWithoutOne) {
     guide(R"(<channel id="a"><display-name>A</display-name><lcn>0</lcn></channel>
 <channel id="b"><display-name>B</display-name><lcn>32768</lcn></channel>
@@ -85,7 +113,7 @@ TEST_F(GuideChannels, ThatAreHiddenGoWithTheirProgrammesAndLeaveTheirNumberFree)
 
 TEST_F(GuideChannels, ThatOnlyTheLineupHasStandWithAWarning) {
     guide("<channel id='a'/>" + test::programme("later", "start='20260823000000'", "x"));
-    lineup("[[channel]]\nid = \"later\"\n[[channel]]\nid = \"never\"\nname = \"Never\"\nnumber = 9\n");
+    lineup("[[channel]]\nid = \"later\"\n[[channel]]\nid = \"never\"\nname = \"Never\"\nnumber = \"9\"\n");
     const Guide& guide = load();
     EXPECT_THAT(listed(guide), ElementsAre("1 a", "2 later", "9 Never"));
     EXPECT_THAT(schedule(guide), ElementsAre("0-1800 x"));

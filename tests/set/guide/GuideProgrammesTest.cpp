@@ -153,5 +153,50 @@ TEST_F(GuideProgrammes, BeyondTheBoundAreDroppedEndedFirstThenTheLast) {
     EXPECT_EQ(loaded_.guide->programmes()[0].title, "now");
 }
 
+TEST_F(GuideProgrammes, WithTextsThatAreTooLongKeepTheirBeginning) {
+    const std::string giant(2'000'000, 't');
+    const Guide& guide = loadChannel(
+        programme("a", "start='20260823000000'", giant, "<desc>" + giant + "</desc><episode-num/>") +
+        programme("a", "start='20260823010000'", std::string(4095, 'x') + "é") +
+        programme("a", "start='20260823020000'", std::string(4096, 'y'),
+                  "<desc>" + std::string(65536, 'y') + "</desc>"));
+    EXPECT_EQ(guide.programmes()[0].title, std::string(4096, 't'));
+    EXPECT_EQ(guide.programmes()[0].series, std::string(4096, 't'));
+    EXPECT_EQ(guide.programmes()[0].synopsis, std::string(65536, 't'));
+    EXPECT_EQ(guide.programmes()[1].title, std::string(4095, 'x'));
+    EXPECT_EQ(guide.programmes()[2].title.size(), 4096U);
+    EXPECT_EQ(guide.programmes()[2].synopsis.size(), 65536U);
+    EXPECT_THAT(warnings(), ElementsAre(HasSubstr("guide0.xml: cut 3 texts that are too long")));
+}
+
+TEST_F(GuideProgrammes, ThatAreJoinedHaveATitleWithinTheLimitToo) {
+    const std::string time = "start='20260823000000' stop='20260823010000' ";
+    const Guide& guide = loadChannel(programme("a", time + "clumpidx='0/2'", std::string(4000, 'p')) +
+                                     programme("a", time + "clumpidx='1/2'", std::string(4000, 'q')));
+    EXPECT_EQ(guide.programmes()[0].title, std::string(4000, 'p') + " / " + std::string(93, 'q'));
+}
+
+TEST_F(GuideProgrammes, AreCutWithoutABoundToo) {
+    sources_.maxProgrammes = 0;
+    loadChannel(programme("a", "start='20260823000000'", std::string(2'000'000, 't')));
+    EXPECT_EQ(loaded_.guide->programmes()[0].title.size(), 4096U);
+}
+
+TEST_F(GuideProgrammes, BeyondTheTableAreToldOfAndKeptWithoutABound) {
+    sources_.maxProgrammes = 0;
+    std::string programmes;
+    for (int second = 0; second < 5000; ++second) {
+        programmes += programme("a",
+                                "start='" +
+                                    std::to_string(20260823000000 + second / 3600 * 10000 +
+                                                   second / 60 % 60 * 100 + second % 60) +
+                                    "'",
+                                std::string(4096, 't'));
+    }
+    EXPECT_EQ(loadChannel(programmes).programmes().size(), 5000U);
+    EXPECT_EQ(loaded_.guide->programmesDropped(), 0U);
+    EXPECT_THAT(warnings(), ElementsAre(HasSubstr("larger than the plug-in's table")));
+}
+
 }  // namespace
 }  // namespace epgset
