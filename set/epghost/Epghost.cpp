@@ -4,8 +4,10 @@
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <utility>
 
 #include "host/Logger.h"
+#include "set/epghost/GuideReload.h"
 #include "set/epghost/GuideSource.h"
 #include "set/epghost/PluginFile.h"
 #include "set/epghost/ProcessZone.h"
@@ -33,6 +35,9 @@ constexpr std::chrono::seconds secondMaintenance{601};
 
 /// How often the set looks whether the guide in use is still good.
 constexpr std::chrono::seconds guideCheckPeriod{600};
+
+/// How often it looks whether a load has ended.
+constexpr std::chrono::milliseconds loadCheckPeriod{20};
 
 const Container::Logger& programLogger() {
     static const Container::Logger logger = Container::Logger::logger("set/epghost");
@@ -67,29 +72,40 @@ void warmUp(PluginHost& plugin) {
     }
 }
 
-void reload(GuideSource& source, MaintenanceTimer& timer) {
+void putInUse(GuideReload::Outcome loaded, GuideSource& source, MaintenanceTimer& timer) {
+    if (!loaded.guide) {
+        programLogger().error("the guide stays as it was: %s", loaded.error);
+        return;
+    }
+    useGuide(std::move(loaded.guide));
     try {
-        useGuide(source.load());
         source.keepEventIds();
     } catch (const std::exception& error) {
-        programLogger().error("the guide stays as it was: %s", error.what());
-        return;
+        programLogger().error("the event ids of the new guide are not kept for the next start: %s",
+                              error.what());
     }
     timer.callIn(std::chrono::seconds(0));
     timer.callIn(secondMaintenance);
 }
 
-void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket socket, GuideSource& source) {
+void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket socket, GuideSource& source,
+                       GuideReload& reload) {
     MaintenanceTimer timer([&plugin] { plugin.maintain(); }, plugin.maintenancePeriod());
     SetRoutes routes(plugin, facts);
     const std::string url = socket.url();
     const HttpServer server(std::move(socket), routes);
     std::cout << "listening on " << url << std::endl;
+    bool asked = false;  // for a load that is not begun yet
     for (;;) {
-        const Command command = waitForCommand(guideCheckPeriod);
+        const Command command = waitForCommand(reload.running() ? loadCheckPeriod : guideCheckPeriod);
         if (command == Command::Stop) return;
-        const bool due = source.loadAgainBy() - clock().now() <= guideCheckPeriod.count();
-        if (command == Command::Reload || due) reload(source, timer);
+        if (!reload.running()) asked = source.loadAgainBy() - clock().now() <= guideCheckPeriod.count();
+        if (command == Command::Reload) asked = true;
+        if (auto loaded = reload.takeOutcome()) putInUse(std::move(*loaded), source, timer);
+        if (asked && !reload.running()) {
+            reload.begin();
+            asked = false;
+        }
     }
 }
 
@@ -97,14 +113,17 @@ void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket s
 
 void runEpghost(const Options& options) {
     LogControl::setLevel(options.logLevel);
-    blockSignals();
-    // Everything that can fail comes before the first thing that leaves a trace.
+    // Everything that can fail comes before the first thing that leaves a trace, so that until then a stop
+    // needs no more than to end.
+    endOnStop();
     ListenSocket socket(options.listen, options.port);
     StateFolder state(options.state.empty() ? defaultStateFolder() : options.state);
     const PluginLibrary library(findPluginFile(options.plugin));
     const ClockInUse clock(options);
     GuideSource source(options, state);
+    GuideReload reload(source);
     useGuide(source.load());
+    blockSignals();
     state.create();
     const Reminders reminders(state.path());
     source.keepEventIds();
@@ -114,7 +133,7 @@ void runEpghost(const Options& options) {
     PluginHost plugin(library.descriptor());
     warmUp(plugin);
     if (stopIsPending()) return;
-    serveUntilStopped(plugin, {options.pvr, processZoneName()}, std::move(socket), source);
+    serveUntilStopped(plugin, {options.pvr, processZoneName()}, std::move(socket), source, reload);
 }
 
 }  // namespace epgset
