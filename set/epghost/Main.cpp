@@ -1,10 +1,18 @@
 // epghost: a television's middleware and web server around the programme guide plug-in.
+#include <cstddef>
 #include <ctime>
 #include <exception>
 #include <iostream>
 
 #include "set/epghost/Epghost.h"
 #include "set/epghost/Options.h"
+#include "set/log/LogEscape.h"
+
+namespace {
+
+constexpr std::size_t maximumErrorBytes = 8192;
+
+}  // namespace
 
 int main(int count, char** arguments) {
     tzset();
@@ -13,7 +21,8 @@ int main(int count, char** arguments) {
         if (options) epgset::runEpghost(*options);
         return 0;
     } catch (const std::exception& error) {
-        std::cerr << "epghost: " << error.what() << std::endl;
+        // One line whatever bytes a path, an option or a guide brought into the message.
+        std::cerr << "epghost: " << epgset::escapedLogLine(error.what(), maximumErrorBytes) << std::endl;
         return 2;
     }
 }

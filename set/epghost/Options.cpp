@@ -1,6 +1,7 @@
 #include "set/epghost/Options.h"
 
 #include <pwd.h>
+#include <strings.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -43,11 +44,14 @@ void readNow(Options& options, const std::string& text) {
 }
 
 void addGuideOptions(CLI::App& app, Options& options) {
-    app.add_option("--guide", options.guides, "An XMLTV guide (.xml, .xml.gz); may be repeated")
+    app.add_option("--guide", options.guides,
+                   "An XMLTV guide (.xml, .xml.gz); may be repeated; the demo guide where there is none")
         ->check(notEmpty)
         ->type_name("PATH")
         ->allow_extra_args(false);
-    app.add_option("--lineup", options.lineup, "The channel line-up (TOML)")
+    app.add_option("--lineup", options.lineup,
+                   "The channel line-up (TOML), for the demo guide too, whose ids are "
+                   "ANTENNA-MAJOR-MINOR.demo such as AIR-1-0.demo")
         ->check(notEmpty)
         ->type_name("PATH");
     app.add_option_function<std::string>(
@@ -116,15 +120,10 @@ void addSetOptions(CLI::App& app, Options& options) {
 
 void checkGuides(const Options& options) {
     for (const std::string& guide : options.guides) {
-        if (guide.starts_with("http://") || guide.starts_with("https://")) {
+        // The scheme of a URL has no letter case.
+        if (strncasecmp(guide.c_str(), "http://", 7) == 0 || strncasecmp(guide.c_str(), "https://", 8) == 0) {
             throw StartError("--guide: " + guide + ": a guide from a URL is not supported, only from a file");
         }
-    }
-}
-
-void checkLineup(const Options& options) {
-    if (!options.lineup.empty() && options.guides.empty()) {
-        throw StartError("--lineup: the demo guide takes no line-up; name a guide with --guide");
     }
 }
 
@@ -160,7 +159,6 @@ std::optional<Options> readOptions(int count, const char* const* arguments) {
         return std::nullopt;
     }
     checkGuides(options);
-    checkLineup(options);
     checkFolders(options);
     return options;
 }

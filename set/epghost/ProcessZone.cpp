@@ -5,6 +5,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "set/text/Utf8.h"
+
 namespace epgset {
 namespace {
 
@@ -15,9 +17,8 @@ std::string zoneOfFile(std::string_view path) {
     return found == std::string_view::npos ? std::string() : std::string(path.substr(found + folder.size()));
 }
 
-}  // namespace
-
-std::string processZoneName() {
+/// The name as the system gives it, in bytes of any kind.
+std::string givenZoneName() {
     if (const char* variable = std::getenv("TZ")) {
         std::string_view name(variable);
         if (name.starts_with(':')) name.remove_prefix(1);
@@ -29,6 +30,12 @@ std::string processZoneName() {
     const auto target = std::filesystem::read_symlink("/etc/localtime", error);
     const std::string ofSystem = error ? std::string() : zoneOfFile(target.string());
     return ofSystem.empty() ? "UTC" : ofSystem;
+}
+
+}  // namespace
+
+std::string processZoneName() {
+    return repairedUtf8(givenZoneName());
 }
 
 }  // namespace epgset

@@ -18,11 +18,34 @@ namespace {
     throw StartError("state folder " + folder.string() + ": " + std::generic_category().message(error));
 }
 
+/// The same folder without "/" or "/." at its end, so that its parent is what holds it.
+std::filesystem::path withoutTrailingSlash(std::filesystem::path folder) {
+    while ((folder.filename().empty() || folder.filename() == ".") && folder.has_relative_path() &&
+           folder.has_parent_path())
+        folder = folder.parent_path();
+    return folder;
+}
+
+/// 0, or the error number that creating a folder that does not exist would come to.
+int obstacleTo(const std::filesystem::path& folder) {
+    struct stat status {};
+    if (lstat(folder.c_str(), &status) == 0) return ENOENT;  // a link to nowhere
+    if (errno != ENOENT) return errno;
+    const std::filesystem::path parent = folder.has_parent_path() ? folder.parent_path() : ".";
+    if (stat(parent.c_str(), &status) != 0) return errno == ENOENT ? obstacleTo(parent) : errno;
+    if (!S_ISDIR(status.st_mode)) return ENOTDIR;
+    return access(parent.c_str(), W_OK | X_OK) == 0 ? 0 : errno;
+}
+
 }  // namespace
 
-StateFolder::StateFolder(std::filesystem::path folder) : folder_(std::move(folder)) {
-    std::error_code error;
-    if (std::filesystem::exists(folder_, error)) lock();
+StateFolder::StateFolder(std::filesystem::path folder) : folder_(withoutTrailingSlash(std::move(folder))) {
+    struct stat status {};
+    if (stat(folder_.c_str(), &status) == 0) {
+        lock();
+    } else if (const int error = errno == ENOENT ? obstacleTo(folder_) : errno; error != 0) {
+        fail(folder_, error);
+    }
 }
 
 StateFolder::~StateFolder() {

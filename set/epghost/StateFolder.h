@@ -10,8 +10,8 @@ namespace epgset {
 /// has been created, so that a start that fails leaves nothing behind.
 class StateFolder {
 public:
-    /// Takes the folder over when it exists. Throws StartError when another set has it, or when it is no
-    /// folder that can be written to.
+    /// Takes the folder over when it exists. Throws StartError when another set has it, when it is no folder
+    /// that can be written to, or when it cannot be created. Writes nothing.
     explicit StateFolder(std::filesystem::path folder);
     ~StateFolder();
     StateFolder(const StateFolder&) = delete;

@@ -14,6 +14,7 @@ namespace fs = std::filesystem;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
+using ::testing::Not;
 using ::testing::StartsWith;
 
 using Arguments = EpghostProcess::Arguments;
@@ -125,8 +126,24 @@ TEST_F(FailedStart, NamesTheLineOfABadLineup) {
     EXPECT_THAT(refusal({"--guide", smallGuide, "--lineup", lineup}), HasSubstr(lineup + ":3"));
 }
 
-TEST_F(FailedStart, TakesNoLineupForTheDemoGuide) {
-    EXPECT_THAT(refusal({"--lineup", file("lineup.toml", "")}), HasSubstr("--lineup"));
+TEST_F(FailedStart, NamesTheLineOfABadLineupForTheDemoGuideToo) {
+    const std::string lineup = file("lineup.toml", "[[channel]]\nid = 1\n");
+    EXPECT_THAT(refusal({"--lineup", lineup}), HasSubstr(lineup + ":2"));
+}
+
+TEST_F(FailedStart, PrintsOneReadableLineWhateverTheTextsHold) {
+    EXPECT_THAT(refusal({"--guide", "a\nb\x1B[2J\xFF.xml"}), HasSubstr("a\\nb\\x1B[2J\\xFF.xml"));
+    EXPECT_THAT(refusal({"--pvr", "o\nn\x1B"}), HasSubstr("o\\nn\\x1B"));
+    EXPECT_THAT(refusal({"--now", "\x1B[31m"}), HasSubstr("\\x1B[31m"));
+    const std::string lineup =
+        file("lineup.toml", "[[channel]]\nid = \"a\"\nantenna = \"\\u001B[31m\\nred\"\n");
+    EXPECT_THAT(refusal({"--lineup", lineup}), HasSubstr("\\x1B[31m\\nred"));
+}
+
+TEST_F(FailedStart, TakesNoGuideFromAUrlHoweverItIsWritten) {
+    for (const char* url : {"http://127.0.0.1/guide.xml", "HTTP://127.0.0.1/guide.xml", "hTTps://x/"}) {
+        EXPECT_THAT(refusal({"--guide", url}), HasSubstr("URL")) << url;
+    }
 }
 
 TEST_F(FailedStart, NamesAPlugInThatCannotBeLoaded) {
@@ -241,6 +258,37 @@ TEST(Start, ServesSeveralGuides) {
     RunningSet set({"--guide", smallGuide, "--guide", two, "--now", "2026-08-23T12:00:00Z"});
     const std::string status = HttpClient(set.url()).get("/set/status").body;
     EXPECT_THAT(status, HasSubstr("\"channels\":3,\"programs\":1,"));
+}
+
+TEST(Start, ShapesTheDemoGuideByALineupAndItsBound) {
+    const TemporaryFolder folder;
+    const std::string all = HttpClient(RunningSet().url()).get("/set/status").body;
+    const std::string lineup =
+        folder.write("lineup.toml", "[[channel]]\nid = \"AIR-1-0.demo\"\nhidden = true\n").string();
+    RunningSet set({"--lineup", lineup, "--max-programmes", "100"});
+    const std::string status = HttpClient(set.url()).get("/set/status").body;
+    EXPECT_THAT(status, HasSubstr("\"channels\":27,\"programs\":100,\"programs_dropped\":"));
+    EXPECT_THAT(status, Not(HasSubstr("\"programs_dropped\":0")));
+}
+
+TEST(Start, FillsTheTableWithAGuideOfGiantTexts) {
+    const TemporaryFolder folder;
+    const std::string giant(3'000'000, '\'');
+    const std::string guide =
+        folder
+            .write("guide.xml",
+                   "<tv><channel id=\"a\"><display-name>" + giant +
+                       "</display-name></channel><channel id=\"b\"><display-name>B</display-name>"
+                       "</channel><programme channel=\"b\" start=\"20260823120000\"><title>" +
+                       giant + "</title><desc>" + giant + "</desc></programme></tv>")
+            .string();
+    for (const char* bound : {"90000", "0"}) {
+        RunningSet set({"--guide", guide, "--now", "2026-08-23T12:00:00Z", "--max-programmes", bound});
+        EXPECT_THAT(set.process().errors(), HasSubstr("cut 3 texts"));
+        const HttpAnswer channels = HttpClient(set.url()).get("/ws/epg2/channels");
+        EXPECT_EQ(200, channels.status);
+        EXPECT_THAT(channels.body, HasSubstr("\"items_total\":2"));
+    }
 }
 
 TEST(Start, SetsTheClock) {
