@@ -54,7 +54,6 @@ void applyEntityTag(const WebRequest& request, WebResponse& response) {
     setHeader(response.headers, "ETag", tag);
     if (!namesTag(headerValue(request.headers, "If-None-Match"), tag)) return;
     response.status = 304;
-    response.body.clear();
 }
 
 }  // namespace epgset

@@ -31,7 +31,7 @@ const Container::Logger& serverLogger() {
 __attribute__((format(printf, 2, 0))) void logLibraryMessage(void*, const char* format, va_list arguments) {
     char text[512];
     std::vsnprintf(text, sizeof text, format, arguments);
-    serverLogger().debug("%s", text);
+    serverLogger().warning("%s", text);
 }
 
 /// Leaves escapes as they are: whoever reads the path decodes it, once.
@@ -48,8 +48,10 @@ MHD_Result collectHeader(void* headers, MHD_ValueKind, const char* name, const c
     }
 }
 
-bool mayHaveBody(int status) {
-    return status >= 200 && status != 204 && status != 304;
+/// Whether an answer has a body or, as 304, tells at least how long that of the 200 would be. The library
+/// sends none with 304.
+bool hasLength(int status) {
+    return status >= 200 && status != 204;
 }
 
 struct DestroyResponse {
@@ -59,7 +61,7 @@ using LibraryResponse = std::unique_ptr<MHD_Response, DestroyResponse>;
 
 /// The library's form of a response, which takes the body over.
 LibraryResponse makeLibraryResponse(WebResponse& response) {
-    if (!mayHaveBody(response.status)) response.body.clear();
+    if (!hasLength(response.status)) response.body.clear();
     auto body = std::make_unique<std::string>(std::move(response.body));
     LibraryResponse made(MHD_create_response_from_buffer_with_free_callback_cls(
         body->size(), body->data(), [](void* text) { delete static_cast<std::string*>(text); }, body.get()));
@@ -187,9 +189,8 @@ MHD_Result HttpServer::Connections::receive(MHD_Connection* connection, Exchange
 
 MHD_Result HttpServer::Connections::receiveBody(Exchange& exchange, std::string_view bytes) const {
     exchange.receive(bytes);
-    const bool tooMuch = exchange.received() > limits_.discard;
     const bool tooSlow = Exchange::Clock::now() - exchange.started() > limits_.body;
-    return tooMuch || tooSlow ? MHD_NO : MHD_YES;
+    return tooSlow ? MHD_NO : MHD_YES;
 }
 
 bool HttpServer::Connections::leavesBodyUnread(const Exchange& exchange) const {

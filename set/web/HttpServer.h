@@ -12,10 +12,10 @@ namespace epgset {
 /// Serves HTTP on a socket, with a few threads of its own for the connections and one for the requests
 /// that are answered in turn. It reads each request whole before it is handed over.
 ///
-/// A body is kept up to maximumRequestBody. A longer one is read and thrown away, up to Limits::discard
-/// bytes, so that the client gets to read its answer; when it states a length beyond that, or waits to be
-/// told to go on, it is answered unread. A body of unknown length that goes on beyond it ends the
-/// connection.
+/// A body is kept up to maximumRequestBody. A longer one is read to its end and thrown away, so that the
+/// client gets to read its answer; when it states a length beyond Limits::discard, or waits to be told to go
+/// on, it is answered unread. A body that does not end within Limits::body ends the connection, whatever its
+/// length.
 class HttpServer {
 public:
     struct Limits {
@@ -23,7 +23,7 @@ public:
         unsigned connectionsPerAddress = 128;  ///< of them from one client address
         std::chrono::seconds idle{30};         ///< a connection that is silent for so long is closed
         std::chrono::seconds body{60};         ///< a body that takes longer ends its connection
-        std::uint64_t discard = 16ULL << 20U;  ///< how much of a body that is too long is read, in bytes
+        std::uint64_t discard = 16ULL << 20U;  ///< longest stated length of a body that is read, in bytes
     };
 
     /// Starts serving. The handler must outlive the server. Throws ListenError.

@@ -89,6 +89,7 @@ bool PluginResponse::untouched() const {
 
 WebResponse PluginResponse::finish() {
     if (untouched()) response_.status = 404;
+    // 100 to 199 cannot end a request: the client would wait for the final answer.
     if (response_.status < 200 || response_.status > 599) {
         Container::Logger::logger("set/web").warning("the plug-in set the status %d, which is sent as 500",
                                                      response_.status);

@@ -40,7 +40,7 @@ struct WebRequest {
 struct WebResponse {
     int status = 200;
     WebHeaders headers;
-    std::string body;
+    std::string body;  ///< of a 304: what the 200 would have sent
 };
 
 /// A response whose body is one line of plain text.

@@ -42,6 +42,7 @@ TEST_F(Http, TagsAnAnswerAndDoesNotSendItAgain) {
         EXPECT_EQ(304, again.status) << value;
         EXPECT_EQ("", again.body);
         EXPECT_EQ(tag, again.header("etag"));
+        EXPECT_EQ(std::to_string(first.body.size()), again.header("content-length"));
     }
     EXPECT_EQ(200, client_.get(channels, {"If-None-Match: \"other\""}).status);
     EXPECT_NE(tag, client_.get(channels, {"Accept: text/xml"}).header("etag"));

@@ -19,6 +19,7 @@ namespace {
 using test::HttpClient;
 using test::RawConnection;
 using test::statusOf;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -181,16 +182,33 @@ TEST_F(HttpServerTest, HandsOverAChunkedBodyThatIsTooLongAsJustTooLong) {
                 EndsWith(" 2097153/0"));
 }
 
-TEST_F(HttpServerTest, EndsTheConnectionOfAChunkedBodyWithoutEnd) {
+TEST_F(HttpServerTest, AnswersAChunkedBodyThatIsLongerThanAnyItReadsOfAStatedLength) {
     RawConnection connection(url_);
     connection.send("PUT / HTTP/1.1\r\nHost: x\r\nTransfer-Encoding: chunked\r\n\r\n");
     const std::string chunk = "100000\r\n" + std::string(std::size_t{1} << 20U, 'b') + "\r\n";
+    for (int sent = 0; sent < 20; ++sent)
+        ASSERT_TRUE(connection.send(chunk));
+    connection.send("0\r\n\r\n");
+    EXPECT_THAT(connection.receiveUntil("/0"), EndsWith(" 2097153/0"));
+    connection.send("GET /next HTTP/1.1\r\nHost: x\r\n\r\n");
+    EXPECT_THAT(connection.receiveUntil("/0"), EndsWith("GET /next [] 0/0"));
+}
+
+TEST_F(HttpServerTest, EndsTheConnectionOfABodyThatTakesTooLong) {
+    server_.reset();
+    ListenSocket socket("127.0.0.1", 0);
+    const std::string url = socket.url();
+    HttpServer::Limits brief;
+    brief.body = std::chrono::seconds(0);
+    const HttpServer server(std::move(socket), echo_, brief);
+    RawConnection connection(url);
+    connection.send("PUT / HTTP/1.1\r\nHost: x\r\nTransfer-Encoding: chunked\r\n\r\n");
+    const std::string chunk = "100000\r\n" + std::string(std::size_t{1} << 20U, 'b') + "\r\n";
     int sent = 0;
-    while (sent < 1000 && connection.send(chunk)) {
+    while (sent < 1000 && connection.send(chunk))
         ++sent;
-    }
     EXPECT_LT(sent, 1000);
-    EXPECT_EQ(200, client_.get("/").status);
+    EXPECT_EQ(200, HttpClient(url).get("/").status);
 }
 
 TEST_F(HttpServerTest, RefusesABodyInAnUnknownCoding) {
@@ -214,8 +232,16 @@ TEST_F(HttpServerTest, SendsNoBodyWith204And304) {
         EXPECT_EQ(std::atoi(path + 1), statusOf(answer));
         EXPECT_THAT(answer, EndsWith("\r\n\r\n"));
         EXPECT_EQ(answer.find("\r\n\r\n"), answer.size() - 4);
+        const bool tellsLength = answer.find("Content-Length: ") != std::string::npos;
+        EXPECT_EQ(path == std::string_view("/304"), tellsLength) << answer;
     }
     EXPECT_EQ(200, client_.get("/").status);
+}
+
+TEST_F(HttpServerTest, TellsWith304TheLengthThatThe200WouldHave) {
+    const std::string answer = exchange("GET /304 HTTP/1.1\r\nHost: x\r\n\r\n");
+    EXPECT_THAT(answer,
+                HasSubstr("Content-Length: " + std::to_string(client_.get("/200").body.size()) + "\r\n"));
 }
 
 TEST_F(HttpServerTest, AnswersAnExceptionWith500) {
@@ -378,6 +404,7 @@ TEST_F(HttpServerTest, RefusesConnectionsBeyondItsLimit) {
         if (statusOf(open.back()->receiveUntil("0/0")) == 200) ++answered;
     }
     EXPECT_EQ(4, answered);
+    EXPECT_THAT(log_.messagesOf("set/web", Container::Logger::Warning), Contains(HasSubstr("limit")));
 }
 
 TEST(ListenSocket, NamesAPortThatIsTaken) {
