@@ -16,7 +16,9 @@ struct ThreadState {
     bool inRequest = false;
     bool interruptionLogged = false;
     std::chrono::milliseconds limit{};
-    SteadyClock::time_point deadline;
+    DatabaseRequest::Bound bound{};
+    SteadyClock::duration worked{};        ///< by statements that count
+    SteadyClock::time_point countedUntil;  ///< of the statement that runs
     std::string lastError;
 };
 
@@ -36,12 +38,14 @@ void logOpenStatements() {
 
 }  // namespace
 
-DatabaseRequest::DatabaseRequest(std::chrono::milliseconds limit) {
+DatabaseRequest::DatabaseRequest(std::chrono::milliseconds limit, Bound bound) {
     ThreadState& state = threadState();
     state.inRequest = true;
     state.interruptionLogged = false;
     state.limit = limit;
-    state.deadline = SteadyClock::now() + limit;
+    state.bound = bound;
+    state.worked = {};
+    state.countedUntil = SteadyClock::now();
     state.lastError.clear();
 }
 
@@ -61,15 +65,23 @@ void noteDatabaseError(std::string_view message) {
 
 void beginStatementTime() {
     ThreadState& state = threadState();
-    if (state.inRequest) state.deadline = SteadyClock::now() + state.limit;
+    if (!state.inRequest) return;
+    if (state.bound == DatabaseRequest::Bound::EachStatement) state.worked = {};
+    state.countedUntil = SteadyClock::now();
 }
 
 bool statementTimeIsUp() {
     ThreadState& state = threadState();
-    if (!state.inRequest || SteadyClock::now() < state.deadline) return false;
+    if (!state.inRequest) return false;
+    const auto now = SteadyClock::now();
+    state.worked += now - state.countedUntil;
+    state.countedUntil = now;
+    if (state.worked < state.limit) return false;
     if (!state.interruptionLogged) {
         state.interruptionLogged = true;
-        logger.warning("Ended a statement that ran longer than %lld ms",
+        const bool each = state.bound == DatabaseRequest::Bound::EachStatement;
+        logger.warning("Ended a statement: %s longer than %lld ms",
+                       each ? "it worked" : "the statements of a request worked",
                        static_cast<long long>(state.limit.count()));
     }
     return true;

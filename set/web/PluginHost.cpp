@@ -18,8 +18,8 @@ const Container::Logger& hostLogger() {
 /// Runs a call into the plug-in as one database request; false when an exception came out of it, which
 /// is logged under the name of the call.
 template <class Call>
-bool callPlugin(const std::string& name, Call&& call) {
-    const DatabaseRequest databaseRequest;
+bool callPlugin(const std::string& name, DatabaseRequest::Bound bound, Call&& call) {
+    const DatabaseRequest databaseRequest(DatabaseRequest::defaultLimit, bound);
     try {
         call();
         return true;
@@ -45,8 +45,9 @@ WebResponse PluginHost::answer(const WebRequest& request, const std::string& pat
     PluginRequest pluginRequest(request, path);
     PluginResponse pluginResponse;
     const std::lock_guard turn(turn_);
-    const bool returned = callPlugin(request.method + " " + request.path,
-                                     [&] { descriptor_.handleRequest(pluginRequest, pluginResponse); });
+    const bool returned =
+        callPlugin(request.method + " " + request.path, DatabaseRequest::Bound::AllStatements,
+                   [&] { descriptor_.handleRequest(pluginRequest, pluginResponse); });
     if (!returned && pluginResponse.untouched()) pluginResponse.setStatus(500);
     WebResponse response = pluginResponse.finish();
     addDatabaseError(response);
@@ -56,7 +57,8 @@ WebResponse PluginHost::answer(const WebRequest& request, const std::string& pat
 bool PluginHost::maintain() {
     if (descriptor_.onTimer == nullptr) return true;
     const std::lock_guard turn(turn_);
-    return callPlugin("maintenance", [this] { descriptor_.onTimer(); });
+    return callPlugin("maintenance", DatabaseRequest::Bound::EachStatement,
+                      [this] { descriptor_.onTimer(); });
 }
 
 std::chrono::seconds PluginHost::maintenancePeriod() {
@@ -65,7 +67,8 @@ std::chrono::seconds PluginHost::maintenancePeriod() {
         return std::chrono::seconds::zero();
     }
     const std::lock_guard turn(turn_);
-    callPlugin("maintenance period", [&] { seconds = descriptor_.getTimerPeriod(); });
+    callPlugin("maintenance period", DatabaseRequest::Bound::EachStatement,
+               [&] { seconds = descriptor_.getTimerPeriod(); });
     return std::chrono::seconds(seconds > 0 ? seconds : 0);
 }
 

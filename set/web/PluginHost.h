@@ -12,7 +12,7 @@ namespace epgset {
 
 /// Calls a plug-in from one thread at a time: used by any thread, each of which waits for its turn. What
 /// comes out of the plug-in as an exception is logged and ends here. Each call is a database request of
-/// its own, with a deadline and with no transaction left open behind it.
+/// its own, with a bound of its statements' time and with no transaction left open behind it.
 class PluginHost {
 public:
     /// The descriptor must outlive the host.

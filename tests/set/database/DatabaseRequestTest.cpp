@@ -23,7 +23,10 @@ namespace {
 const std::string endless =
     "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT count(*) FROM n";
 
-TEST(DatabaseRequest, GivesAStatementTenSeconds) {
+const std::string countTo3000 =
+    "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3000) SELECT count(*) FROM n";
+
+TEST(DatabaseRequest, GivesItsStatementsTenSeconds) {
     EXPECT_EQ(DatabaseRequest::defaultLimit, 10s);
 }
 
@@ -37,7 +40,7 @@ TEST(DatabaseRequest, EndsAStatementWhoseTimeIsUpAndLogsItOnce) {
     EXPECT_EQ(lastDatabaseError(), "interrupted");
     EXPECT_EQ(run(connection, endless), SQLITE_INTERRUPT);
     EXPECT_THAT(capture.messagesOf("set/database"),
-                ElementsAre("Ended a statement that ran longer than 20 ms"));
+                ElementsAre("Ended a statement: the statements of a request worked longer than 20 ms"));
     EXPECT_EQ(valueOf(connection, "SELECT 1"), "1") << "the connection still works";
 }
 
@@ -70,15 +73,39 @@ TEST(DatabaseRequest, KeepsTheRowsThatCameBeforeTheEnd) {
     EXPECT_FALSE(statement.handle() == nullptr);
 }
 
-TEST(DatabaseRequest, GivesEachStatementItsTime) {
+TEST(DatabaseRequest, SharesItsTimeAmongAllStatements) {
     LogCapture capture;
     const auto connection = openDatabase();
     const DatabaseRequest request(30ms);
+    int done = 0;
+    while (done < 100'000 && run(connection, countTo3000) == SQLITE_DONE)
+        ++done;
+    EXPECT_GT(done, 0);
+    EXPECT_LT(done, 100'000);
+    EXPECT_EQ(run(connection, countTo3000), SQLITE_INTERRUPT) << "there is no time left";
+}
+
+TEST(DatabaseRequest, DoesNotCountStatementsThatAreOverAtOnce) {
+    LogCapture capture;
+    const auto connection = openDatabase();
+    ASSERT_EQ(run(connection, "CREATE TABLE t (a)"), SQLITE_DONE);
+    const DatabaseRequest request(0ms);
+    const auto start = std::chrono::steady_clock::now();
+    int rows = 0;
+    for (; std::chrono::steady_clock::now() - start < 30ms; ++rows)
+        ASSERT_EQ(run(connection, "INSERT INTO t VALUES ('a row of a table fill')"), SQLITE_DONE);
+    EXPECT_EQ(run(connection, countTo3000), SQLITE_INTERRUPT);
+    EXPECT_GT(rows, 1);
+}
+
+TEST(DatabaseRequest, MayGiveEachStatementItsTime) {
+    LogCapture capture;
+    const auto connection = openDatabase();
+    const DatabaseRequest request(30ms, DatabaseRequest::Bound::EachStatement);
     EXPECT_EQ(run(connection, endless), SQLITE_INTERRUPT);
-    EXPECT_EQ(run(connection,
-                  "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3000)"
-                  " SELECT count(*) FROM n"),
-              SQLITE_DONE);
+    EXPECT_EQ(run(connection, countTo3000), SQLITE_DONE);
+    EXPECT_THAT(capture.messagesOf("set/database"),
+                ElementsAre("Ended a statement: it worked longer than 30 ms"));
 }
 
 TEST(DatabaseRequest, BoundsNothingOutsideOfARequest) {
