@@ -5,10 +5,18 @@
 
 namespace {
 
-thread_local bool newFails = false;
+thread_local int failuresLeft = 0;  ///< negative: without end
+
+bool fails() noexcept {
+    if (failuresLeft > 0) {
+        --failuresLeft;
+        return true;
+    }
+    return failuresLeft < 0;
+}
 
 void* allocate(std::size_t bytes) noexcept {
-    return newFails ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
+    return fails() ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
 }
 
 }  // namespace
@@ -48,12 +56,12 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept {
 
 namespace epgtest {
 
-FailingNew::FailingNew() {
-    newFails = true;
+FailingNew::FailingNew(int times) {
+    failuresLeft = times;
 }
 
 FailingNew::~FailingNew() {
-    newFails = false;
+    failuresLeft = 0;
 }
 
 }  // namespace epgtest

@@ -3,11 +3,11 @@
 
 namespace epgtest {
 
-/// While it lives, every operator new of this thread fails, with or without std::nothrow. A program that
-/// uses it compiles FailingNew.cpp in.
+/// While it lives, the next `times` calls of operator new in this thread fail, with or without std::nothrow;
+/// a negative number means all of them. A program that uses it compiles FailingNew.cpp in.
 class FailingNew {
 public:
-    FailingNew();
+    explicit FailingNew(int times = -1);
     ~FailingNew();
     FailingNew(const FailingNew&) = delete;
     FailingNew& operator=(const FailingNew&) = delete;
