@@ -1,0 +1,4 @@
+// Stands for the tests' precompiled headers, which need a program to belong to.
+int main() {
+    return 0;
+}
