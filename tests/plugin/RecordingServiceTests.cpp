@@ -85,7 +85,7 @@ TEST_F(RecordingAvailability, NamesAllThatIsMissing) {
     EXPECT_THAT(said(), ElementsAre(noModel, notFormatted));
 }
 
-// Specification -----------------------------------------------------------------------------------------
+// What the set can do ----------------------------------------------------------------------------------
 
 class RecordingSpecification : public RecordingService {
 protected:
