@@ -1,73 +1,21 @@
-// Booking a channel by hand: from the request to the entry, and into the store.
+// Booking a channel by hand: from the request to the entry.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <cstdint>
+#include <iterator>
 #include <string>
 #include <utility>
-#include <vector>
 
-#include "tests/plugin/ServiceTest.h"
+#include "tests/plugin/ManualBookingTest.h"
 #include "tests/support/ChannelTypes.h"
 
 namespace epgtest {
 namespace {
 
-using testing::_;
 using testing::ElementsAre;
-using testing::InSequence;
 using testing::IsEmpty;
 using testing::Pair;
-using testing::Return;
-
-using Field = char* ws_epg_schedule::*;
-
-/// A request to view 7-2 on AIR from 01:00:00 to 01:30:00, to be changed at will.
-class ManualBooking : public ServiceTest {
-protected:
-    static constexpr std::int64_t nine = 9 * 3600;
-
-    ManualBooking() {
-        set(&ws_epg_schedule::status, "VIEW");
-        set(&ws_epg_schedule::channel_num, "7-2");
-        set(&ws_epg_schedule::antenna, "AIR");
-        set(&ws_epg_schedule::start, "2026-08-23T01:00:00Z");
-        set(&ws_epg_schedule::end, "2026-08-23T01:30:00Z");
-        set(&ws_epg_schedule::repeat, "ONCE");
-    }
-
-    void set(Field field, const char* text) {
-        std::free(request.get()->*field);
-        request.get()->*field = t_alloc_copy(text);
-    }
-    void setTimes(const char* start, const char* end) {
-        set(&ws_epg_schedule::start, start);
-        set(&ws_epg_schedule::end, end);
-    }
-
-    /// Fills `info` and answers the result.
-    int fill() {
-        log.clear();
-        return t_set_manual_schedule_input(request.get(), &info);
-    }
-
-    /// Asserts that the request is refused with this one error.
-    void expectRefused(const std::string& message) {
-        info = CRemindInfo();
-        EXPECT_EQ(fill(), -1);
-        EXPECT_THAT(said(), ElementsAre(LogLine(Logger::Error, message)));
-        EXPECT_EQ(info.Duration(), 0U) << "nothing is filled in";
-        EXPECT_THAT(window.tuned, IsEmpty());
-    }
-
-    static std::string overlap(std::int64_t start, std::int64_t now, std::int64_t end) {
-        return "(start:" + std::to_string(start) + " <= curr:" + std::to_string(now) +
-               " <= end:" + std::to_string(end) + ")";
-    }
-
-    ScheduleRecord request{static_cast<ws_epg_schedule*>(std::calloc(1, sizeof(ws_epg_schedule)))};
-    CRemindInfo info;
-};
 
 TEST_F(ManualBooking, FillsTheEntry) {
     info = entry(99);
@@ -93,7 +41,7 @@ TEST_F(ManualBooking, FillsTheEntry) {
 }
 
 TEST_F(ManualBooking, NeedsEachField) {
-    const std::pair<Field, const char*> required[] = {
+    const std::pair<RequestField, const char*> required[] = {
         {&ws_epg_schedule::status, "status is required"},
         {&ws_epg_schedule::channel_num, "channel_num is required"},
         {&ws_epg_schedule::antenna, "antenna is required"},
@@ -174,7 +122,7 @@ TEST_F(ManualBooking, RefusesAChannelThatDoesNotExist) {
 TEST_F(ManualBooking, RefusesAChannelOfAnAntennaWithoutChannels) {
     set(&ws_epg_schedule::antenna, "CS");
     EXPECT_EQ(fill(), -1);
-    EXPECT_EQ(said().back(), LogLine(Logger::Error, "No channel mode:23 major:7 minor:2"));
+    EXPECT_EQ(lastSaid(), LogLine(Logger::Error, "No channel mode:23 major:7 minor:2"));
 }
 
 TEST_F(ManualBooking, FindsTheChannelOnItsAntenna) {
@@ -222,6 +170,12 @@ TEST_F(ManualBooking, TakesALocalTimeOfMinusOneForUnreadable) {
     clock.setZone(60, false);
     set(&ws_epg_schedule::start, "1969-12-31T22:59:59Z");
     expectRefused("Invalid start time : 1969-12-31T22:59:59Z");
+}
+
+TEST_F(ManualBooking, KnowsTimesBefore1970) {
+    setTimes("1969-12-31T23:59:58Z", "2026-08-23T01:30:00Z");
+    set(&ws_epg_schedule::status, "RECORD");
+    expectRefused("Invalid time. recording time overlappted " + overlap(-2, startTime, comingStart + 1800));
 }
 
 TEST_F(ManualBooking, RefusesAnEndBeforeTheStart) {
@@ -333,111 +287,6 @@ TEST_F(ManualBooking, LooksAtTheTimesBeforeTheRepetition) {
     clock.setNow(comingStart);
     EXPECT_EQ(fill(), 0);
     EXPECT_THAT(window.tuned, ElementsAre(Pair(7, 2)));
-}
-
-// Into the store ----------------------------------------------------------------------------------------
-
-class ManualStoring : public ManualBooking {
-protected:
-    int add(int force) {
-        request->force = force;
-        return t_set_manual_schedule(request.get(), 0, 0);
-    }
-    int update(int force) {
-        request->force = force;
-        return t_set_manual_schedule(request.get(), 1, 5);
-    }
-
-    std::optional<std::string> requestId() const { return shown(request->id); }
-
-    const LogLine conflict{Logger::Error, "=== Remind Duplicated. Confliction ==="};
-    const LogLine removed{Logger::Debug, "=== Remind Duplicated. Previous is removed (6) ==="};
-};
-
-TEST_F(ManualStoring, AddsAnEntryAndNamesTheRequestAfterIt) {
-    set(&ws_epg_schedule::id, "sch_id_1");
-    CRemindInfo added;
-    {
-        const InSequence inOrder;
-        EXPECT_CALL(store, ExistSameTimeRemindItem(HasUid(0), _)).WillOnce(Return(false));
-        EXPECT_CALL(store, AddRemindItem(_, 0)).WillOnce(addsAs(17, added));
-    }
-    EXPECT_EQ(add(0), 0);
-    EXPECT_EQ(requestId(), "sch_id_17");
-    EXPECT_EQ(added.StartTime(), comingStart);
-    EXPECT_THAT(traced(), ElementsAre("Scheduling parameter condition PASSED!!!!"));
-    EXPECT_THAT(said(), ElementsAre(Pair(_, "=== Add Remind 'VIEW'. OK (sch_id:17) ===")));
-}
-
-TEST_F(ManualStoring, IsDoneAlsoWhenTheStoreRefusesToAdd) {
-    EXPECT_CALL(store, ExistSameTimeRemindItem).WillOnce(Return(false));
-    EXPECT_CALL(store, AddRemindItem).WillOnce(Return(false));
-    EXPECT_EQ(add(0), 0);
-    EXPECT_EQ(requestId(), std::nullopt);
-    EXPECT_THAT(said(), ElementsAre(Pair(_, "AddRemindItem Fail!")));
-}
-
-TEST_F(ManualStoring, ConflictsWithAnotherEntry) {
-    EXPECT_CALL(store, ExistSameTimeRemindItem).WillOnce(fillsWith<1>(entry(6)));
-    EXPECT_EQ(add(0), 1);
-    EXPECT_THAT(said(), ElementsAre(conflict));
-    EXPECT_EQ(requestId(), std::nullopt);
-}
-
-TEST_F(ManualStoring, ReplacesTheOtherEntryByAnyForce) {
-    for (const int force : {1, 2}) {
-        log.clear();
-        set(&ws_epg_schedule::channel_num, "7-2");
-        CRemindInfo added;
-        {
-            const InSequence inOrder;
-            EXPECT_CALL(store, ExistSameTimeRemindItem).WillOnce(fillsWith<1>(entry(6)));
-            EXPECT_CALL(store, DeleteRemindItemByUid(6)).WillOnce(Return(1));
-            EXPECT_CALL(store, AddRemindItem).WillOnce(addsAs(17, added));
-        }
-        EXPECT_EQ(add(force), 0);
-        EXPECT_THAT(said(), ElementsAre(removed, Pair(_, "=== Add Remind 'VIEW'. OK (sch_id:17) ===")));
-    }
-}
-
-TEST_F(ManualStoring, UpdatesWithoutLookingForOverlaps) {
-    for (const int force : {0, 1, 2}) {
-        log.clear();
-        set(&ws_epg_schedule::channel_num, "7-2");
-        CRemindInfo updated;
-        EXPECT_CALL(store, UpdateRemindItemByUid(5, _, 0, 1))
-            .WillOnce(testing::DoAll(testing::SaveArg<1>(&updated), Return(true)));
-        EXPECT_EQ(update(force), 0);
-        EXPECT_EQ(updated.StartTime(), comingStart);
-        EXPECT_EQ(updated.Duration(), 1800U);
-        EXPECT_THAT(said(), ElementsAre(Pair(Logger::Debug,
-                                             testing::StartsWith("=== Update Remind 'VIEW'. OK (sch_id:"))));
-        EXPECT_EQ(requestId(), std::nullopt);
-    }
-}
-
-TEST_F(ManualStoring, IsDoneAlsoWhenTheStoreRefusesToUpdate) {
-    EXPECT_CALL(store, UpdateRemindItemByUid).WillOnce(Return(false));
-    EXPECT_EQ(update(0), 0);
-    EXPECT_THAT(said(), ElementsAre(Pair(_, "UpdateRemindItemByUid Fail!")));
-}
-
-TEST_F(ManualStoring, RefusesABadRequestBeforeTheStoreIsAsked) {
-    set(&ws_epg_schedule::antenna, "ROOF");
-    EXPECT_EQ(add(1), -1);
-    EXPECT_EQ(update(1), -1);
-    EXPECT_THAT(traced(), IsEmpty());
-}
-
-TEST_F(ManualStoring, StopsAfterTuningAtOnce) {
-    clock.setNow(comingStart);
-    EXPECT_EQ(add(0), 0);
-    set(&ws_epg_schedule::channel_num, "7-2");
-    EXPECT_EQ(add(1), 0);
-    set(&ws_epg_schedule::channel_num, "7-2");
-    EXPECT_EQ(update(0), 0);
-    EXPECT_THAT(window.tuned, ElementsAre(Pair(7, 2), Pair(7, 2), Pair(7, 2)));
-    EXPECT_EQ(requestId(), std::nullopt);
 }
 
 }  // namespace

@@ -246,7 +246,7 @@ TEST_F(RecordingStop, AppliesToAllWhenNoItemLeadsToAChannel) {
     for (const char* query : {"channel_id=nonsense", "CHANNEL_ID=cid-000-7-2", "channel_id",
                               "program_id=", "schedule_id=x", "antenna=AIR"}) {
         EXPECT_EQ(stop(query), 200);
-        EXPECT_EQ(said().front(), everyChannel) << query;
+        EXPECT_EQ(firstSaid(), everyChannel) << query;
         EXPECT_THAT(recorder.calls, testing::SizeIs(7));
     }
 }
@@ -269,7 +269,7 @@ TEST_F(RecordingStop, PassesOverARecordingThatHasEnded) {
     EXPECT_EQ(stop(), 200);
     EXPECT_THAT(recorder.calls, ElementsAre("count", "channel 1", "channel 2", "stop 0-8-0", "channel 3"));
     EXPECT_EQ(stop("channel_id=cid-003-7-2"), 200);
-    EXPECT_EQ(said().back(), nothingStopped);
+    EXPECT_EQ(lastSaid(), nothingStopped);
     for (const auto& [level, message] : said())
         EXPECT_THAT(message, testing::Not(testing::HasSubstr("-1-0-0"))) << "an empty channel is not shown";
 }

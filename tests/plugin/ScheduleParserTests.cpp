@@ -99,7 +99,8 @@ TEST_F(RequestParser, LogsAndIgnoresUnknownKeys) {
         log.clear();
         EXPECT_THAT(parsed(std::string(R"({")") + key + R"(":"x"})"), IsEmpty()) << key;
         EXPECT_THAT(logged(), ElementsAre(Pair(_, std::string(R"(Unknown items - ")") + key + R"(":"x")")));
-        EXPECT_EQ(log.records()[0].format, R"(Unknown items - "%s":"%s")");
+        ASSERT_FALSE(log.records().empty());
+EXPECT_EQ(log.records()[0].format, R"(Unknown items - "%s":"%s")");
     }
 }
 
@@ -127,7 +128,8 @@ TEST_F(RequestParser, OnlyLogsAnUnknownForce) {
     EXPECT_THAT(logged(), ElementsAre(Pair(_, R"(Unknown value - "force"(known):"maybe"(unknown))"),
                                       Pair(_, R"(Unknown value - "force"(known):"1"(unknown))"),
                                       Pair(_, R"(Unknown value - "force"(known):""(unknown))")));
-    EXPECT_EQ(log.records()[0].format, R"(Unknown value - "%s"(known):"%s"(unknown))");
+    ASSERT_FALSE(log.records().empty());
+EXPECT_EQ(log.records()[0].format, R"(Unknown value - "%s"(known):"%s"(unknown))");
 }
 
 TEST_F(RequestParser, SkipsWhiteSpaceAroundKeysAndValues) {
@@ -211,7 +213,8 @@ TEST_F(RequestParser, RefusesAKeyWithoutColon) {
     EXPECT_EQ(refusal(R"({"name)"), noColon(""));
     EXPECT_EQ(refusal("{name}"), noColon(""));
     EXPECT_EQ(refusal(R"({"name":"x",})"), noColon(""));
-    EXPECT_EQ(log.records()[0].format, "json parsing error. no colon. : %s");
+    ASSERT_FALSE(log.records().empty());
+EXPECT_EQ(log.records()[0].format, "json parsing error. no colon. : %s");
 }
 
 TEST_F(RequestParser, RefusesAValueWithoutDelimiter) {
@@ -221,7 +224,8 @@ TEST_F(RequestParser, RefusesAValueWithoutDelimiter) {
     EXPECT_EQ(refusal(R"({"name":)"), noComma(""));
     EXPECT_EQ(refusal("{name:x"), noComma(""));
     EXPECT_EQ(refusal(R"({"name":"x"])"), noComma("]"));
-    EXPECT_EQ(log.records()[0].format, "json parsing error. no comma or curly bracket. : %s");
+    ASSERT_FALSE(log.records().empty());
+EXPECT_EQ(log.records()[0].format, "json parsing error. no comma or curly bracket. : %s");
 }
 
 TEST_F(RequestParser, ReadsOnBehindTheClosingBracket) {

@@ -110,11 +110,15 @@ protected:
         return lines;
     }
 
+    LogLine firstSaid() const { return said().empty() ? nothingSaid : said().front(); }
+    LogLine lastSaid() const { return said().empty() ? nothingSaid : said().back(); }
+
     /// What was traced, in order.
     std::vector<std::string> traced() const {
         return log.messagesOf("Vexmoor/EpgSQLPluginVexmoorUtil", Logger::Trace);
     }
 
+    const LogLine nothingSaid{Logger::Off, "(nothing)"};
     testing::StrictMock<MockReminder> store;
     RecordingWindow window;
     FakeRecorder recorder;

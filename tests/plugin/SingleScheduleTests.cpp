@@ -84,7 +84,7 @@ TEST_F(SingleSchedule, IsUnknownWithoutAStoreOrItsChannel) {
         return true;
     });
     EXPECT_EQ(ask("GET", "sch_id_5"), nothingBut(404));
-    EXPECT_EQ(said().back(), LogLine(Logger::Warning, "t_schedules_id found no sch_id_5"));
+    EXPECT_EQ(lastSaid(), LogLine(Logger::Warning, "t_schedules_id found no sch_id_5"));
     epgset::useReminder(nullptr);
     EXPECT_EQ(ask("DELETE", "sch_id_5"), nothingBut(404));
 }
@@ -194,7 +194,7 @@ TEST_F(SingleSchedule, RefusesAChangeToNothingThatCanBeBooked) {
     keep(3);
     for (const char* more : {R"(,"antenna":"ROOF")", R"(,"status":"NONE")", R"(,"repeat":"SERIES")"}) {
         EXPECT_EQ(ask("PUT", "sch_id_5", change(more)), nothingBut(404)) << more;
-        EXPECT_EQ(said().back(), LogLine(Logger::Error, "Manual Remind Set Failed"));
+        EXPECT_EQ(lastSaid(), LogLine(Logger::Error, "Manual Remind Set Failed"));
     }
 }
 
