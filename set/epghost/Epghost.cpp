@@ -9,6 +9,7 @@
 #include "host/Logger.h"
 #include "set/epghost/GuideReload.h"
 #include "set/epghost/GuideSource.h"
+#include "set/epghost/NoRecorder.h"
 #include "set/epghost/PluginFile.h"
 #include "set/epghost/ProcessZone.h"
 #include "set/epghost/Reminders.h"
@@ -72,12 +73,14 @@ void warmUp(PluginHost& plugin) {
     }
 }
 
-void putInUse(GuideReload::Outcome loaded, GuideSource& source, MaintenanceTimer& timer) {
+void putInUse(GuideReload::Outcome loaded, GuideSource& source, Reminders& reminders,
+              MaintenanceTimer& timer) {
     if (!loaded.guide) {
         programLogger().error("the guide stays as it was: %s", loaded.error);
         return;
     }
     useGuide(std::move(loaded.guide));
+    reminders.guideChanged();
     try {
         source.keepEventIds();
     } catch (const std::exception& error) {
@@ -89,7 +92,7 @@ void putInUse(GuideReload::Outcome loaded, GuideSource& source, MaintenanceTimer
 }
 
 void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket socket, GuideSource& source,
-                       GuideReload& reload) {
+                       GuideReload& reload, Reminders& reminders) {
     MaintenanceTimer timer([&plugin] { plugin.maintain(); }, plugin.maintenancePeriod());
     SetRoutes routes(plugin, facts);
     const std::string url = socket.url();
@@ -101,7 +104,7 @@ void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket s
         if (command == Command::Stop) return;
         if (!reload.running()) asked = source.loadAgainBy() - clock().now() <= guideCheckPeriod.count();
         if (command == Command::Reload) asked = true;
-        if (auto loaded = reload.takeOutcome()) putInUse(std::move(*loaded), source, timer);
+        if (auto loaded = reload.takeOutcome()) putInUse(std::move(*loaded), source, reminders, timer);
         if (asked && !reload.running()) {
             reload.begin();
             asked = false;
@@ -125,15 +128,16 @@ void runEpghost(const Options& options) {
     useGuide(source.load());
     blockSignals();
     state.create();
-    const Reminders reminders(state.path());
-    source.keepEventIds();
     usePvrState(pvrStateOf(options.pvr).value());
+    NoRecorder recorder;
+    Reminders reminders(state.path(), recorder);
+    source.keepEventIds();
     useWebRoot(options.webRoot.empty() ? shippedWebRoot() : std::filesystem::path(options.webRoot));
 
     PluginHost plugin(library.descriptor());
     warmUp(plugin);
     if (stopIsPending()) return;
-    serveUntilStopped(plugin, {options.pvr, processZoneName()}, std::move(socket), source, reload);
+    serveUntilStopped(plugin, {options.pvr, processZoneName()}, std::move(socket), source, reload, reminders);
 }
 
 }  // namespace epgset

@@ -34,15 +34,26 @@ void checkNow(DueReminders& due) {
 
 }  // namespace
 
-Reminders::Reminders(const std::filesystem::path& stateFolder)
-    : store_(openStore(stateFolder)), due_(store_, guideWindow()) {
+Reminders::Reminders(const std::filesystem::path& stateFolder, OrderTaker& recorder)
+    : store_(openStore(stateFolder)), due_(store_, guideWindow(), recorder) {
+    guideChanged();  // since the set was on the last time
     checkNow(due_);
     useReminder(&store_);
     timer_.emplace([this] { checkNow(due_); }, period);
 }
 
 Reminders::~Reminders() {
+    timer_.reset();
+    due_.stop();
     useReminder(nullptr);
+}
+
+void Reminders::guideChanged() {
+    store_.followGuide(clock().now());
+}
+
+std::vector<DueEntry> Reminders::nextDue(std::size_t count) const {
+    return store_.nextDue(clock().now(), count);
 }
 
 }  // namespace epgset

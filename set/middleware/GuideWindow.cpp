@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/Logger.h"
+#include "set/events/EventRing.h"
 #include "set/middleware/ReceptionModes.h"
 #include "set/middleware/Television.h"
 
@@ -76,8 +77,13 @@ std::optional<GuideWindow::Key> GuideWindow::tuned() const {
 void GuideWindow::setTuned(const Channel& channel) {
     log().debug("Tuned to channel %d-%d of antenna %d", static_cast<int>(channel.major),
                 static_cast<int>(channel.minor), channel.tvMode);
-    const std::lock_guard lock(mutex_);
-    tuned_ = Key{channel.tvMode, channel.major, channel.minor};
+    const Key key{channel.tvMode, channel.major, channel.minor};
+    {
+        const std::lock_guard lock(mutex_);
+        if (tuned_ == key) return;
+        tuned_ = key;
+    }
+    events().publish(event::channelChanged, channelPath(key.tvMode, key.major, key.minor));
 }
 
 }  // namespace epgset

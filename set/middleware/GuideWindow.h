@@ -11,7 +11,7 @@
 namespace epgset {
 
 /// Keeps the channel tuned to, by its antenna and number, so that it stays tuned to when the guide is loaded
-/// again. Used by any thread.
+/// again. A change of the channel is published as an event. Used by any thread.
 class GuideWindow : public AppWindow {
 public:
     /// Tunes to the channel of that number: on the antenna tuned to now, else on the first antenna, in the
@@ -34,6 +34,8 @@ private:
         int tvMode;
         int major;
         int minor;
+
+        bool operator==(const Key&) const = default;
     };
 
     std::optional<Key> tuned() const;

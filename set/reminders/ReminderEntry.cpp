@@ -1,13 +1,28 @@
 #include "set/reminders/ReminderEntry.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 #include <tuple>
 
+#include "host/TCChannel.h"
 #include "set/middleware/Clock.h"
 #include "set/middleware/ReceptionModes.h"
+#include "set/text/Utf16.h"
 
 namespace epgset {
+
+std::string titleOf(const CRemindInfo& info) {
+    return utf8FromUtf16(CRemindInfo::Text(info.GetTitle()), std::endian::big);
+}
+
+std::string synopsisOf(const CRemindInfo& info) {
+    return utf8FromUtf16(CRemindInfo::Text(info.Synopsis()), std::endian::native);
+}
+
+int tvModeOf(const CRemindInfo& info) {
+    return TCChannel::GetTVMode(info.ChannelType());
+}
 
 ReminderEntry entryOf(const CRemindInfo& info) {
     ReminderEntry entry;
@@ -40,6 +55,7 @@ std::string refusalOf(const ReminderEntry& entry) {
 }
 
 bool overlap(const ReminderEntry& one, const ReminderEntry& other) {
+    if (one.waits() || other.waits()) return false;
     return std::max(one.start, other.start) < std::min(one.end(), other.end());
 }
 

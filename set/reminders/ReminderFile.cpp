@@ -27,18 +27,19 @@ OwnDatabase opened(const std::filesystem::path& file) {
 
 constexpr const char* insertText =
     "INSERT INTO reminder (channel_type, major, minor, ptc, program_number, event_id, reserve_type,"
-    " repeat_type, repeat_days, creation_method, start_utc, start_wall, duration, title, synopsis)"
-    " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+    " repeat_type, repeat_days, creation_method, start_utc, start_wall, duration, title, synopsis,"
+    " series_title, series_place) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
 
 constexpr const char* updateText =
     "UPDATE reminder SET channel_type = ?, major = ?, minor = ?, ptc = ?, program_number = ?, event_id = ?,"
     " reserve_type = ?, repeat_type = ?, repeat_days = ?, creation_method = ?, start_utc = ?,"
-    " start_wall = ?, duration = ?, title = ?, synopsis = ? WHERE uid = ?";
+    " start_wall = ?, duration = ?, title = ?, synopsis = ?, series_title = ?, series_place = ? WHERE uid = "
+    "?";
 
 constexpr const char* loadText =
     "SELECT channel_type, major, minor, ptc, program_number, event_id, reserve_type, repeat_type,"
-    " repeat_days, creation_method, start_utc, start_wall, duration, title, synopsis, uid"
-    " FROM reminder ORDER BY uid";
+    " repeat_days, creation_method, start_utc, start_wall, duration, title, synopsis, series_title,"
+    " series_place, uid FROM reminder ORDER BY uid";
 
 /// The values of all columns but the uid, in the order of the statements above.
 void bindValues(OwnStatement& statement, const ReminderEntry& entry) {
@@ -53,8 +54,8 @@ void bindValues(OwnStatement& statement, const ReminderEntry& entry) {
         statement.bindNull();
     }
     statement.bind(info.Duration());
-    statement.bind(utf8FromUtf16(CRemindInfo::Text(info.GetTitle()), std::endian::big));
-    statement.bind(utf8FromUtf16(CRemindInfo::Text(info.Synopsis()), std::endian::native));
+    statement.bind(titleOf(info)).bind(synopsisOf(info));
+    statement.bind(entry.seriesTitle).bind(static_cast<std::int64_t>(entry.series));
 }
 
 CRemindInfo::Text unitsOf(const std::string& text, std::endian order) {
@@ -73,7 +74,7 @@ public:
         return static_cast<Value>(statement_.integer(column_++));
     }
 
-    CRemindInfo::Text nextText(std::endian order) { return unitsOf(statement_.text(column_++), order); }
+    std::string nextText() { return statement_.text(column_++); }
 
     std::optional<WallSeconds> nextWallSeconds() {
         const int column = column_++;
@@ -102,8 +103,10 @@ ReminderEntry entryOf(Row row) {
     entry.wallStart = row.nextWallSeconds();
     if (entry.wallStart) entry.start = unixAtWallClock(*entry.wallStart);
     info.SetDuration(row.next<std::uint32_t>());
-    info.SetTitle(row.nextText(std::endian::big));
-    info.SetSynopsis(row.nextText(std::endian::native));
+    info.SetTitle(unitsOf(row.nextText(), std::endian::big));
+    info.SetSynopsis(unitsOf(row.nextText(), std::endian::native));
+    entry.seriesTitle = row.nextText();
+    entry.series = row.next<SeriesPlace>();
     info.SetUid(row.next<unsigned long>());
     return entry;
 }

@@ -31,6 +31,9 @@ public:
     /// Removes entries and replaces others, all at once.
     void change(std::span<const unsigned long> removed, std::span<const ReminderEntry> replaced);
 
+    /// The database, for what else is kept in it.
+    OwnDatabase& database() { return database_; }
+
     /// For tests: the file as SQLite sees it.
     sqlite3* handle() const { return database_.handle(); }
 

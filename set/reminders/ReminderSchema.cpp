@@ -7,7 +7,7 @@
 namespace epgset {
 namespace {
 
-constexpr std::array<const char*, 1> stepsOfTheStore{
+constexpr std::array<const char*, 2> stepsOfTheStore{
     // AUTOINCREMENT: the uid of an entry that is gone is never given out again. Clients see it as a 32-bit
     // number. The start is kept twice: start_utc in UNIX seconds, which decides for an entry that does not
     // repeat, whatever zone the middleware counts in; start_wall, NULL for such an entry, in seconds of the
@@ -30,6 +30,23 @@ constexpr std::array<const char*, 1> stepsOfTheStore{
         title TEXT NOT NULL,
         synopsis TEXT NOT NULL
     ) STRICT)",
+    // A series: its title, and series_place, the number of a SeriesPlace. Recorded: what has been recorded,
+    // so that a series records no programme twice; rows go some time after their programme. That a recording
+    // runs is no kind of entry any more.
+    R"(ALTER TABLE reminder ADD COLUMN series_title TEXT NOT NULL DEFAULT '';
+    ALTER TABLE reminder ADD COLUMN series_place INTEGER NOT NULL DEFAULT 0
+        CHECK (series_place BETWEEN 0 AND 3);
+    UPDATE reminder SET series_title = title, series_place = 1 WHERE reserve_type = 9 AND title != '';
+    UPDATE reminder SET reserve_type = 1 WHERE reserve_type = 3;
+    CREATE TABLE recorded (
+        channel_type INTEGER NOT NULL,
+        major INTEGER NOT NULL,
+        minor INTEGER NOT NULL,
+        start_utc INTEGER NOT NULL,
+        end_utc INTEGER NOT NULL,
+        title TEXT NOT NULL,
+        PRIMARY KEY (channel_type, major, minor, start_utc)
+    ) STRICT, WITHOUT ROWID)",
 };
 
 std::int64_t numberOf(OwnDatabase& database, const char* query) {

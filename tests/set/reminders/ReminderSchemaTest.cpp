@@ -94,5 +94,28 @@ TEST_F(ReminderSchemaTest, OfTheStoreIsOfALaterVersionThanItKnows) {
                 HasSubstr("store.db: its version"));
 }
 
+TEST_F(ReminderSchemaTest, OfTheStoreKeepsTheEntriesOfItsFirstVersion) {
+    const auto path = folder_.path() / "store.db";
+    {
+        OwnDatabase first(path);
+        migrateReminders(first, reminderSchemaSteps().first(1));
+        const auto insert = [&](int uid, int reserveType, const char* title) {
+            first.run(("INSERT INTO reminder VALUES (" + std::to_string(uid) + ", 2, 7, 0, 0, 1, 17, " +
+                       std::to_string(reserveType) + ", 0, 0, 0, 2000000, NULL, 100, '" + title + "', 's')")
+                          .c_str());
+        };
+        insert(4, CReminder::RESERVE_VIEW, "View");
+        insert(5, CReminder::RESERVE_RECORDING, "Runs");
+        insert(6, CReminder::RESERVE_SERIES, "Series");
+    }
+    const ReminderStore store(path);
+    EXPECT_EQ(store.find(4)->info.ReserveType(), CReminder::RESERVE_VIEW);
+    EXPECT_EQ(store.find(4)->series, SeriesPlace::None);
+    EXPECT_EQ(store.find(5)->info.ReserveType(), CReminder::RESERVE_RECORD);
+    EXPECT_EQ(store.find(6)->series, SeriesPlace::Chosen);
+    EXPECT_EQ(store.find(6)->seriesTitle, "Series");
+    EXPECT_EQ(store.find(6)->start, 2'000'000);
+}
+
 }  // namespace
 }  // namespace epgset

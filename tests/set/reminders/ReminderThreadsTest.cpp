@@ -3,6 +3,7 @@
 
 #include "set/reminders/DueReminders.h"
 #include "tests/set/reminders/ReminderFixture.h"
+#include "tests/support/FakeOrderTaker.h"
 
 namespace epgset {
 namespace {
@@ -26,7 +27,8 @@ TEST_F(ReminderThreadsTest, MayAskAndChangeAtTheSameTime) {
     };
     const auto ask = [&] {
         GuideWindow window;
-        DueReminders due(store(), window);
+        epgtest::FakeOrderTaker recorder;
+        DueReminders due(store(), window, recorder);
         while (!done) {
             std::vector<CRemindInfo> items;
             int count = 0;
