@@ -90,8 +90,8 @@ public:
     /// Looks for the programmes of series in the guide in use, which has changed.
     void followGuide(std::int64_t now);
 
-    /// Shows an entry as RECORDING and remembers its programme as recorded, until recordingEnded(), or until
-    /// it has another time. Nothing where it has another time already.
+    /// Shows an entry as RECORDING until recordingEnded() or until it has another time, and remembers its
+    /// programme as recorded. Nothing where it has another time than `start` already.
     void recordingBegan(unsigned long uid, std::int64_t start);
     void recordingEnded(unsigned long uid);
 

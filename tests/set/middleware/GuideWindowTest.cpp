@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "set/events/EventRing.h"
 #include "set/log/LogCapture.h"
 #include "tests/set/middleware/GuideInUse.h"
 
@@ -95,6 +96,19 @@ TEST_F(GuideWindowTest, StaysTunedAcrossAReload) {
     EXPECT_THAT(tuned(), IsEmpty());
     useGuide(guideOf({makeChannel(3, 8, 0)}));
     EXPECT_THAT(tuned(), ElementsAre(3, 8, 0));
+}
+
+TEST_F(GuideWindowTest, TellsOfEachChangeOfTheChannel) {
+    const std::uint64_t before = events().last();
+    window_.ChangeChannel(7, 2);
+    window_.ChangeChannel(7, 2);
+    window_.ChangeChannel(99, 0);
+    EXPECT_TRUE(window_.tune(3, 8, 0));
+    const auto since = events().after(before);
+    ASSERT_EQ(since->size(), 2U);
+    EXPECT_EQ(since->at(0).name, event::channelChanged);
+    EXPECT_EQ(since->at(0).path, "/ws/epg2/channels/cid-000-7-2");
+    EXPECT_EQ(since->at(1).path, "/ws/epg2/channels/cid-003-8");
 }
 
 }  // namespace
