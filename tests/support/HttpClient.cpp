@@ -8,6 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "tests/support/ExchangeRecord.h"
+
 namespace epgset::test {
 namespace {
 
@@ -119,6 +121,7 @@ HttpAnswer HttpClient::perform(const std::string& method, const std::string& tar
     curl_easy_getinfo(curl, CURLINFO_NUM_CONNECTS, &connections);
     answer.status = static_cast<int>(status);
     connectionsMade_ += connections;
+    recordExchange(method, target, answer);
     return answer;
 }
 

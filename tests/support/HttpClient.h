@@ -21,7 +21,7 @@ struct HttpAnswer {
 };
 
 /// Sends requests to one server, over one connection where the server keeps it. Used by one thread. What
-/// is no HTTP answer throws std::runtime_error.
+/// is no HTTP answer throws std::runtime_error. What was answered is recorded (ExchangeRecord.h).
 class HttpClient {
 public:
     using Headers = std::vector<std::string>;  ///< lines such as "Accept: text/html"
