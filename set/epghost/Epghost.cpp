@@ -1,6 +1,7 @@
 #include "set/epghost/Epghost.h"
 
 #include <chrono>
+#include <cstdint>
 #include <exception>
 #include <filesystem>
 #include <iostream>
@@ -9,7 +10,6 @@
 #include "host/Logger.h"
 #include "set/epghost/GuideReload.h"
 #include "set/epghost/GuideSource.h"
-#include "set/epghost/NoRecorder.h"
 #include "set/epghost/PluginFile.h"
 #include "set/epghost/ProcessZone.h"
 #include "set/epghost/Reminders.h"
@@ -19,6 +19,7 @@
 #include "set/middleware/Clock.h"
 #include "set/middleware/Television.h"
 #include "set/recorder/PvrState.h"
+#include "set/recorder/Recorder.h"
 #include "set/upnp/WebRoot.h"
 #include "set/web/HttpServer.h"
 #include "set/web/ListenSocket.h"
@@ -59,6 +60,15 @@ public:
 private:
     const RunningClock clock_;
 };
+
+Recorder::Settings recorderSettings(const Options& options, const StateFolder& state) {
+    Recorder::Settings settings;
+    settings.folder =
+        options.recordings.empty() ? state.path() / "recordings" : std::filesystem::path(options.recordings);
+    settings.tuners = options.tuners;
+    settings.maximumBytes = options.recordingsMax;
+    return settings;
+}
 
 /// Lets the plug-in fill its table before the first client comes.
 void warmUp(PluginHost& plugin) {
@@ -129,8 +139,11 @@ void runEpghost(const Options& options) {
     blockSignals();
     state.create();
     usePvrState(pvrStateOf(options.pvr).value());
-    NoRecorder recorder;
+    Reminders* store = nullptr;  // there by the time that the plug-in can stop a recording
+    Recorder recorder(recorderSettings(options, state),
+                      [&store](unsigned long uid, std::int64_t start) { store->endOccurrence(uid, start); });
     Reminders reminders(state.path(), recorder);
+    store = &reminders;
     source.keepEventIds();
     useWebRoot(options.webRoot.empty() ? shippedWebRoot() : std::filesystem::path(options.webRoot));
 

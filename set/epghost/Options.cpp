@@ -16,16 +16,23 @@
 namespace epgset {
 namespace {
 
-/// Refuses what is not a decimal number up to `maximum`; a sign, a blank or another base included.
-CLI::Validator decimalUpTo(std::uint64_t maximum) {
-    return {[maximum](const std::string& text) -> std::string {
+/// Refuses what is not a decimal number from `minimum` to `maximum`; a sign, a blank or another base
+/// included.
+CLI::Validator decimalFrom(std::uint64_t minimum, std::uint64_t maximum) {
+    return {[minimum, maximum](const std::string& text) -> std::string {
                 const bool digits =
                     !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
-                const bool small = text.size() < 19 && (!digits || std::stoull(text) <= maximum);
-                return digits && small ? ""
-                                       : "\"" + text + "\" is no number from 0 to " + std::to_string(maximum);
+                const std::uint64_t number = digits && text.size() < 19 ? std::stoull(text) : maximum + 1;
+                return number >= minimum && number <= maximum
+                           ? ""
+                           : "\"" + text + "\" is no number from " + std::to_string(minimum) + " to " +
+                                 std::to_string(maximum);
             },
             "N"};
+}
+
+CLI::Validator decimalUpTo(std::uint64_t maximum) {
+    return decimalFrom(0, maximum);
 }
 
 /// Refuses an option that is given without a text.
@@ -77,6 +84,22 @@ void addFolderOptions(CLI::App& app, Options& options) {
         ->check(notEmpty)
         ->type_name("PATH")
         ->default_str("EpgSQLPlugin.so beside the program or in ../lib");
+}
+
+void addRecordingOptions(CLI::App& app, Options& options) {
+    app.add_option_function<std::string>(
+           "--tuners", [&options](const std::string& text) { options.tuners = std::stoi(text); },
+           "How many recordings may run at once")
+        ->check(decimalFrom(1, 64))
+        ->type_name("N")
+        ->default_str("2");
+    app.add_option_function<std::string>(
+           "--recordings-max",
+           [&options](const std::string& text) { options.recordingsMax = std::stoull(text); },
+           "How many bytes the recordings may hold; 0: no bound")
+        ->check(decimalUpTo(1'000'000'000'000'000))
+        ->type_name("BYTES")
+        ->default_str("0");
 }
 
 void addServerOptions(CLI::App& app, Options& options) {
@@ -149,6 +172,7 @@ std::optional<Options> readOptions(int count, const char* const* arguments) {
     app.set_help_flag("--help", "Print this help message and exit");
     addGuideOptions(app, options);
     addFolderOptions(app, options);
+    addRecordingOptions(app, options);
     addServerOptions(app, options);
     addSetOptions(app, options);
     try {

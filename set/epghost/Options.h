@@ -26,6 +26,8 @@ struct Options {
     std::string state;                ///< empty: defaultStateFolder()
     std::string recordings;           ///< empty: "recordings" below the state folder
     std::string pvr = "on";           ///< on, off, no-device or unformatted
+    int tuners = 2;                   ///< how many recordings may run at once
+    std::uint64_t recordingsMax = 0;  ///< bytes that the recordings may hold; 0: no bound
     std::string webRoot;              ///< empty: the one that comes with the set
     std::string listen = "127.0.0.1";
     std::uint16_t port = 8080;
