@@ -104,7 +104,7 @@ void putInUse(GuideReload::Outcome loaded, GuideSource& source, Reminders& remin
 void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket socket, GuideSource& source,
                        GuideReload& reload, Reminders& reminders) {
     MaintenanceTimer timer([&plugin] { plugin.maintain(); }, plugin.maintenancePeriod());
-    SetRoutes routes(plugin, facts);
+    SetRoutes routes(plugin, facts, PageFiles(shippedPage()));
     const std::string url = socket.url();
     const HttpServer server(std::move(socket), routes);
     std::cout << "listening on " << url << std::endl;

@@ -58,17 +58,19 @@ std::optional<WebResponse> refusal(const WebRequest& request) {
 
 }  // namespace
 
-SetRoutes::SetRoutes(PluginHost& plugin, SetFacts facts) : plugin_(plugin), facts_(std::move(facts)) {}
+SetRoutes::SetRoutes(PluginHost& plugin, SetFacts facts, PageFiles page)
+    : plugin_(plugin), facts_(std::move(facts)), page_(std::move(page)) {}
 
 std::optional<WebResponse> SetRoutes::answerAtOnce(const WebRequest& request) {
     if (auto refused = refusal(request)) return refused;
     if (pathBelow(request.path, pluginMount)) return std::nullopt;
 
-    const Resource* resource = request.path.starts_with('/') || request.path.empty()
-                                   ? findResource(pathSegments(request.path))
-                                   : nullptr;
-    if (resource == nullptr) return textResponse(404, "there is nothing at this path");
-    if (request.method == "GET" || request.method == "HEAD") return resource->answer(facts_);
+    const bool isPath = request.path.starts_with('/') || request.path.empty();
+    const std::vector<std::string> segments = pathSegments(isPath ? request.path : "*");
+    const std::optional<WebResponse> file = page_.answer(request, segments);
+    const Resource* resource = findResource(segments);
+    if (!file && resource == nullptr) return textResponse(404, "there is nothing at this path");
+    if (request.method == "GET" || request.method == "HEAD") return file ? *file : resource->answer(facts_);
     WebResponse response = textResponse(405, "this resource can only be read");
     setHeader(response.headers, "Allow", "GET, HEAD");
     return response;

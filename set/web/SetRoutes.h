@@ -1,6 +1,7 @@
 // What stands at which path of the set's web server.
 #pragma once
 
+#include "set/web/PageFiles.h"
 #include "set/web/PluginHost.h"
 #include "set/web/StatusDocument.h"
 #include "set/web/WebHandler.h"
@@ -10,8 +11,8 @@ namespace epgset {
 /// Routes requests: below "/ws" to the plug-in, in turn; to the set's own resources, at once.
 class SetRoutes : public WebHandler {
 public:
-    /// The plug-in's host must outlive the routes.
-    SetRoutes(PluginHost& plugin, SetFacts facts);
+    /// The plug-in's host must outlive the routes. Without files of a page, a simple one stands at the root.
+    SetRoutes(PluginHost& plugin, SetFacts facts, PageFiles page = {});
 
     std::optional<WebResponse> answerAtOnce(const WebRequest& request) override;
     WebResponse answerInTurn(const WebRequest& request) override;
@@ -19,6 +20,7 @@ public:
 private:
     PluginHost& plugin_;
     const SetFacts facts_;
+    const PageFiles page_;
 };
 
 }  // namespace epgset

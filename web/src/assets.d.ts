@@ -1,0 +1,2 @@
+// What is imported and is no script.
+declare module "*.css";
