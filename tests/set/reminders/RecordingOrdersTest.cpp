@@ -207,6 +207,16 @@ TEST_F(RecordingOrdersTest, ComeAgainAtTheNextTimeWhenTheUserEndedOne) {
     EXPECT_THAT(recorder_.calls, ElementsAre("begin 1 2086400"));
 }
 
+TEST_F(RecordingOrdersTest, DoNotComeAgainAtATimeThatHasBegunWhenTheUserEndedOne) {
+    const ProcessZone zone("UTC");
+    CRemindInfo moreThanADay = manualEntry(2'000'000, day + 3'600);
+    moreThanADay.SetRepeat(CReminder::REPEAT_EVERYDAY, 0);
+    const unsigned long uid = add(moreThanADay);
+    checkAt(2'000'000 + day + 60);
+    EXPECT_TRUE(store().endOccurrence(uid, 2'000'000));
+    EXPECT_EQ(entry(uid).StartTime(), 2'000'000 + 2 * day);
+}
+
 TEST_F(RecordingOrdersTest, AreNotEndedByAnotherOccurrence) {
     const unsigned long uid = add(manualEntry(2'000'000, 100));
     EXPECT_FALSE(store().endOccurrence(uid, 1'999'000));

@@ -90,6 +90,18 @@ TEST_F(ReminderFileTest, SaysOnceThatWhatHasEndedCannotBeRemoved) {
     EXPECT_THAT(all(), IsEmpty());
 }
 
+TEST_F(ReminderFileTest, SaysThatAnEndOfARecordingCannotBeWrittenAndShowsItAsEndedAllTheSame) {
+    CRemindInfo info = manualEntry(2'000'000, 60);
+    info.SetTitle({0x4100});
+    const unsigned long uid = add(info);
+    protect();
+    store().recordingBegan(uid, 2'000'000);
+    EXPECT_EQ(entry(uid).ReserveType(), CReminder::RESERVE_RECORDING);
+    EXPECT_FALSE(store().endOccurrence(uid, 2'000'000));
+    EXPECT_EQ(entry(uid).ReserveType(), CReminder::RESERVE_RECORD);
+    EXPECT_THAT(log_.messagesOf("set/reminders", Container::Logger::Error), SizeIs(2));
+}
+
 TEST_F(ReminderFileTest, CannotBeOpenedWhenItIsNoDatabase) {
     const auto path = folder_.write("text.db", std::string(4096, 'x'));
     try {

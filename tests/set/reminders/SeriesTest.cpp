@@ -221,6 +221,17 @@ TEST_F(SeriesTest, RecordsNoProgrammeTwiceWhenTheClockGoesBack) {
     EXPECT_EQ(entry(uid).StartTime(), eight + 5 * hour);
 }
 
+TEST_F(SeriesTest, DoesNotGoBackToAProgrammeThatCameDueWhenTheClockGoesBack) {
+    useShows({{eight, "Soap", ""}});
+    const unsigned long uid = book(eight);
+    recorder_.refused = {uid};
+    checkAt(eight);
+    checkAt(eight + hour);
+    checkAt(eight - hour);
+    store().followGuide(eight - hour);
+    EXPECT_TRUE(waits(uid));
+}
+
 TEST_F(SeriesTest, RecordsNoProgrammeTwiceThatTheGuideMovesMeanwhile) {
     useShows({{eight, "Soap", ""}, {eight + 5 * hour, "Soap", ""}});
     const unsigned long uid = book(eight);
@@ -278,6 +289,32 @@ TEST_F(SeriesTest, DoesNotTakeAProgrammeOfAnotherEntryOfTheSameSeries) {
     store().removeEnded(eight + hour);
     EXPECT_EQ(entry(first).StartTime(), eight + 2 * hour);
     EXPECT_EQ(entry(second).StartTime(), eight + hour);
+}
+
+TEST_F(SeriesTest, LeavesOutAProgrammeThatOverlapsOneThatAnotherSeriesGoesToAtTheSameTime) {
+    useShows({{eight, "Soap", ""},
+              {eight, "Game", ""},
+              {eight + 2 * hour, "Soap", ""},
+              {eight + 2 * hour + 60, "Game", ""},
+              {eight + 9 * hour, "Game", ""}});
+    const unsigned long soap = book(eight);
+    CRemindInfo info = entry(soap);
+    info.SetTitle({0x4700, 0x6100, 0x6D00, 0x6500});  // "Game"
+    info.SetEventId(0);
+    const unsigned long game = add(info);
+    ASSERT_EQ(store().find(game)->seriesTitle, "Game");
+    checkAt(eight + hour);
+    EXPECT_EQ(entry(soap).StartTime(), eight + 2 * hour);
+    EXPECT_EQ(entry(game).StartTime(), eight + 9 * hour);
+}
+
+TEST_F(SeriesTest, FollowsItsProgrammeToWhereAnotherSeriesWasBeforeTheSameReload) {
+    useShows({{eight, "Soap", ""}, {eight + hour, "Game", ""}});
+    const unsigned long soap = book(eight);
+    const unsigned long game = book(eight + hour);
+    reload({{eight + 1800, "Soap", ""}, {eight + hour + 1800, "Game", ""}});
+    EXPECT_EQ(entry(soap).StartTime(), eight + 1800);
+    EXPECT_EQ(entry(game).StartTime(), eight + hour + 1800);
 }
 
 TEST_F(SeriesTest, FollowsItsProgrammeWhenAReloadMovesIt) {
