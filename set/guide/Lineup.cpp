@@ -10,7 +10,6 @@
 #include <system_error>
 #include <utility>
 
-#include "set/guide/GuideError.h"
 #include "set/guide/WhiteSpace.h"
 #include "set/middleware/ReceptionModes.h"
 #include "set/middleware/ServiceTypes.h"
@@ -40,16 +39,24 @@ int lineOf(const toml::source_region& source) {
     return static_cast<int>(source.begin.line);
 }
 
+using Faults = std::vector<GuideError>;
+
 /// Reads one [[channel]] table.
 class EntryReader {
 public:
     EntryReader(std::string file, const toml::table& table) : file_(std::move(file)), table_(table) {}
 
-    LineupEntry read() {
+    /// The entry without what is wrong with it; its id is empty where that is.
+    LineupEntry read(Faults& faults) {
         entry_.line = lineOf(table_.source());
-        for (const auto& [key, value] : table_)
-            readValue(key.str(), value);
-        if (entry_.id.empty()) throw GuideError(file_, entry_.line, "a channel without an id");
+        for (const auto& [key, value] : table_) {
+            try {
+                readValue(key.str(), value);
+            } catch (const GuideError& fault) {
+                faults.push_back(fault);
+            }
+        }
+        if (!table_.contains("id")) faults.emplace_back(file_, entry_.line, "a channel without an id");
         return entry_;
     }
 
@@ -136,23 +143,26 @@ toml::table parse(const std::filesystem::path& path) {
     }
 }
 
-std::vector<LineupEntry> readEntries(const std::filesystem::path& path) {
+/// Reads the entries that have an id.
+std::vector<LineupEntry> readEntries(const std::filesystem::path& path, Faults& faults) {
     const std::string file = path.string();
     const toml::table root = parse(path);
     std::vector<LineupEntry> entries;
     for (const auto& [key, value] : root) {
-        if (key.str() != "channel") {
-            throw GuideError(file, lineOf(value.source()), "unknown key: " + inQuotes(key.str()));
-        }
         const toml::array* const list = value.as_array();
-        if (list == nullptr)
-            throw GuideError(file, lineOf(value.source()), "channels are written [[channel]]");
-        for (const toml::node& element : *list) {
-            const toml::table* const table = element.as_table();
-            if (table == nullptr) {
-                throw GuideError(file, lineOf(element.source()), "channels are written [[channel]]");
+        if (key.str() != "channel") {
+            faults.emplace_back(file, lineOf(value.source()), "unknown key: " + inQuotes(key.str()));
+        } else if (list == nullptr) {
+            faults.emplace_back(file, lineOf(value.source()), "channels are written [[channel]]");
+        } else {
+            for (const toml::node& element : *list) {
+                if (const toml::table* const table = element.as_table()) {
+                    LineupEntry entry = EntryReader(file, *table).read(faults);
+                    if (!entry.id.empty()) entries.push_back(std::move(entry));
+                } else {
+                    faults.emplace_back(file, lineOf(element.source()), "channels are written [[channel]]");
+                }
             }
-            entries.push_back(EntryReader(file, *table).read());
         }
     }
     return entries;
@@ -160,22 +170,43 @@ std::vector<LineupEntry> readEntries(const std::filesystem::path& path) {
 
 }  // namespace
 
-Lineup::Lineup(const std::filesystem::path& path) : entries_(readEntries(path)) {
+Lineup::Lineup(const std::filesystem::path& path) {
+    Faults faults;
+    *this = Lineup(path, faults);
+    if (!faults.empty()) throw faults.front();
+}
+
+Lineup::Lineup(const std::filesystem::path& path, Faults& faults) {
+    const std::size_t before = faults.size();
+    try {
+        entries_ = readEntries(path, faults);
+    } catch (const GuideError& fault) {
+        faults.push_back(fault);
+    }
+    checkEntries(path.string(), faults);
+    std::stable_sort(
+        faults.begin() + static_cast<std::ptrdiff_t>(before), faults.end(),
+        [](const GuideError& left, const GuideError& right) { return left.line() < right.line(); });
+}
+
+void Lineup::checkEntries(const std::string& file, Faults& faults) {
     std::map<std::pair<int, ChannelNumber>, int> lineOfNumber;
     for (std::size_t index = 0; index < entries_.size(); ++index) {
         const LineupEntry& entry = entries_[index];
         const auto [known, isNew] = byId_.try_emplace(entry.id, index);
         if (!isNew) {
-            throw GuideError(path.string(), entry.line,
-                             "the channel " + inQuotes(entry.id) + " stands in line " +
-                                 std::to_string(entries_[known->second].line) + " already");
+            faults.emplace_back(file, entry.line,
+                                "the channel " + inQuotes(entry.id) + " stands in line " +
+                                    std::to_string(entries_[known->second].line) + " already");
+            continue;
         }
         if (!entry.number || entry.hidden) continue;
         const auto [other, isFree] = lineOfNumber.try_emplace({entry.tvMode, *entry.number}, entry.line);
         if (!isFree) {
-            throw GuideError(path.string(), entry.line,
-                             "the channel " + inQuotes(entry.id) + " has the number of the channel in line " +
-                                 std::to_string(other->second));
+            faults.emplace_back(file, entry.line,
+                                "the channel " + inQuotes(entry.id) +
+                                    " has the number of the channel in line " +
+                                    std::to_string(other->second));
         }
     }
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "set/guide/ChannelNumbers.h"
+#include "set/guide/GuideError.h"
 
 namespace epgset {
 
@@ -38,12 +39,18 @@ public:
     /// a number that two shown channels of one antenna have.
     explicit Lineup(const std::filesystem::path& path);
 
+    /// The same, but throws nothing of it: adds all that is wrong to `faults`, in the order of the lines, and
+    /// holds the entries that can be used all the same.
+    Lineup(const std::filesystem::path& path, std::vector<GuideError>& faults);
+
     const std::vector<LineupEntry>& entries() const { return entries_; }
 
     /// The entry of a channel, or null; owned by the line-up.
     const LineupEntry* find(std::string_view id) const;
 
 private:
+    void checkEntries(const std::string& file, std::vector<GuideError>& faults);
+
     std::vector<LineupEntry> entries_;
     std::unordered_map<std::string, std::size_t> byId_;
 };

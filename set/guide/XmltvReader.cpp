@@ -2,6 +2,7 @@
 
 #include <libxml/xmlreader.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string_view>
@@ -68,6 +69,7 @@ private:
     void endField();
     void endRecord();
     std::string attribute(const char* name) const;
+    int nodeLine() const;
 
     xmlTextReader* reader_;
     const GuideFile& file_;
@@ -79,6 +81,7 @@ private:
     bool hasSynopsis_ = false;
     std::string* field_ = nullptr;  ///< where the text of the field in hand goes
     std::string text_;              ///< what of it was read
+    int lineAfterText_ = 1;         ///< where the text read last ends
 };
 
 void DocumentWalk::node() {
@@ -95,6 +98,7 @@ void DocumentWalk::node() {
         case XML_READER_TYPE_WHITESPACE:
         case XML_READER_TYPE_SIGNIFICANT_WHITESPACE:
             if (field_ != nullptr) text_ += view(xmlTextReaderConstValue(reader_));
+            lineAfterText_ = std::max(lineAfterText_, nodeLine());
             break;
         case XML_READER_TYPE_ENTITY_REFERENCE:
             if (field_ != nullptr)
@@ -123,13 +127,17 @@ void DocumentWalk::startElement() {
 }
 
 void DocumentWalk::startRecord(std::string_view name) {
+    // The library tells lines from 65535 on of texts alone; what stands before a record ends where it begins.
+    const int line = nodeLine() < 65535 ? nodeLine() : lineAfterText_;
     if (name == "channel") {
         record_ = Record::Channel;
         channel_ = {};
         channel_.id = attribute("id");
+        channel_.line = line;
     } else if (name == "programme") {
         record_ = Record::Programme;
         programme_ = {};
+        programme_.line = line;
         programme_.start = attribute("start");
         programme_.stop = attribute("stop");
         programme_.channel = attribute("channel");
@@ -174,12 +182,17 @@ std::string DocumentWalk::attribute(const char* name) const {
     return std::string(view(value.get()));
 }
 
+int DocumentWalk::nodeLine() const {
+    return static_cast<int>(xmlGetLineNo(xmlTextReaderCurrentNode(reader_)));
+}
+
 }  // namespace
 
 void readXmltv(const std::filesystem::path& path, XmltvSink& sink) {
     GuideFile file(path);
     const std::unique_ptr<xmlTextReader, ReaderCloser> reader(
-        xmlReaderForIO(readFile, leaveOpen, &file, nullptr, nullptr, XML_PARSE_NONET | XML_PARSE_COMPACT));
+        xmlReaderForIO(readFile, leaveOpen, &file, nullptr, nullptr,
+                       XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_BIG_LINES));
     if (!reader) {
         if (!file.failure().empty()) throw GuideError(file.name(), 0, file.failure());
         throw GuideError(file.name(), 0, "cannot be read: out of memory");

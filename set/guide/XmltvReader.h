@@ -12,6 +12,7 @@ struct XmltvChannel {
     std::string id;  ///< empty: none given
     std::vector<std::string> displayNames;
     std::string lcn;  ///< the first that is not empty
+    int line = 0;     ///< of the file, where it begins
 };
 
 /// A <programme> as the file has it. An attribute that is missing is an empty text.
@@ -23,6 +24,7 @@ struct XmltvProgramme {
     std::string title;     ///< of the first <title>
     std::string synopsis;  ///< of the first <desc>
     bool episode = false;  ///< it has an <episode-num> or a <previously-shown>
+    int line = 0;          ///< of the file, where it begins
 };
 
 /// Receives what is read, in file order. The objects are valid during the call.

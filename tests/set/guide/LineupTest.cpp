@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "set/guide/GuideError.h"
 #include "tests/set/guide/TemporaryFolder.h"
@@ -146,6 +147,37 @@ TEST_F(LineupTest, RefusesWhatIsNoToml) {
 TEST_F(LineupTest, RefusesAFolderAndAMissingFile) {
     EXPECT_THROW(Lineup(folder_.path()), GuideError);
     EXPECT_THROW(Lineup(folder_.path() / "missing"), GuideError);
+}
+
+TEST_F(LineupTest, TellsEverythingThatIsWrongAndKeepsTheRest) {
+    std::vector<GuideError> faults;
+    const auto path = folder_.write("lineup.toml",
+                                    "other = 1\n"         // 1
+                                    "[[channel]]\n"       // 2
+                                    "number = \"x\"\n"    // 3
+                                    "id = \"a\"\n"        // 4
+                                    "digital = \"no\"\n"  // 5
+                                    "[[channel]]\n"       // 6
+                                    "id = 5\n"            // 7
+                                    "[[channel]]\n"       // 8
+                                    "id = \"a\"\n"        // 9
+                                    "[[channel]]\n"       // 10
+                                    "id = \"b\"\n"
+                                    "name = \"B\"\n");
+    const Lineup lineup(path, faults);
+    std::vector<int> lines;
+    for (const GuideError& fault : faults)
+        lines.push_back(fault.line());
+    EXPECT_THAT(lines, testing::ElementsAre(1, 3, 5, 7, 8));
+    ASSERT_NE(lineup.find("a"), nullptr);
+    EXPECT_EQ(lineup.find("a")->line, 2);
+    ASSERT_NE(lineup.find("b"), nullptr);
+    EXPECT_EQ(lineup.find("b")->name, "B");
+}
+
+TEST_F(LineupTest, RefusesTheFirstLineThatIsWrong) {
+    expectRefusal("[[channel]]\nid = \"a\"\nscrambled = 1\nantenna = 2\n", 3, "scrambled");
+    expectRefusal("[[channel]]\nid = \"a\"\nantenna = 2\nscrambled = 1\n", 3, "antenna");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -224,6 +225,48 @@ TEST_F(XmltvReaderTest, RefusesAnEmptyFileAFolderAndAMissingFile) {
     EXPECT_THROW(readXmltv(folder_.path(), recorded), GuideError);
     EXPECT_THROW(readXmltv(folder_.path() / "missing", recorded), GuideError);
     EXPECT_THAT(refusal(compressed("")), StartsWith(pathOf("guide.xml")));
+}
+
+/// Adds lines to a guide and knows which line comes next.
+class NumberedGuide {
+public:
+    void add(const std::string& text) {
+        text_ += text;
+        line_ += static_cast<int>(std::ranges::count(text, '\n'));
+    }
+    /// Adds a programme and notes its line.
+    void addProgramme(const std::string& programme) {
+        lines.push_back(line_);
+        add(programme);
+    }
+    const std::string& text() const { return text_; }
+
+    std::vector<int> lines;  ///< of the programmes
+
+private:
+    std::string text_;
+    int line_ = 1;
+};
+
+TEST_F(XmltvReaderTest, TellsTheLineOfARecordHoweverFarDownItStands) {
+    NumberedGuide guide;
+    guide.add("<?xml version=\"1.0\"?>\n<tv>\n<channel id=\"a\"/>\n");
+    while (guide.lines.size() < 20000) {
+        guide.addProgramme(
+            "  <programme channel=\"a\">\n    <title>A &amp; b</title>\n    <desc>One\r\ntwo&#10;</desc>\n"
+            "  </programme>\n");
+        guide.addProgramme("<programme/>");
+        guide.addProgramme("<programme><desc><![CDATA[One\n]]></desc></programme>\n");
+        guide.add("<!-- a comment\nof lines -->\n\n");
+    }
+    guide.add("</tv>\n");
+    ASSERT_GT(guide.lines.back(), 65536);
+    const Recorded recorded = read(guide.text());
+    std::vector<int> lines;
+    for (const XmltvProgramme& programme : recorded.programmes)
+        lines.push_back(programme.line);
+    EXPECT_EQ(lines, guide.lines);
+    EXPECT_EQ(recorded.channels.at(0).line, 3);
 }
 
 }  // namespace
