@@ -4,8 +4,8 @@
 #include <exception>
 #include <iostream>
 
+#include "set/epghost/CommandLine.h"
 #include "set/epghost/Epghost.h"
-#include "set/epghost/Options.h"
 #include "set/log/LogEscape.h"
 
 namespace {
@@ -17,9 +17,7 @@ constexpr std::size_t maximumErrorBytes = 8192;
 int main(int count, char** arguments) {
     tzset();
     try {
-        const auto options = epgset::readOptions(count, arguments);
-        if (options) epgset::runEpghost(*options);
-        return 0;
+        return epgset::CommandLine(epgset::runEpghost).run(count, arguments);
     } catch (const std::exception& error) {
         // One line whatever bytes a path, an option or a guide brought into the message.
         std::cerr << "epghost: " << epgset::escapedLogLine(error.what(), maximumErrorBytes) << std::endl;

@@ -38,10 +38,6 @@ struct Options {
     std::string plugin;  ///< empty: looked for beside the program
 };
 
-/// Reads the command line. Nothing when it asked for help or for the version, which is then printed on
-/// standard output. Throws StartError, which names the option.
-std::optional<Options> readOptions(int count, const char* const* arguments);
-
 /// $XDG_STATE_HOME/epghost, else ~/.local/state/epghost. Throws StartError when there is no home folder.
 std::string defaultStateFolder();
 

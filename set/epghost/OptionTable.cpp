@@ -1,0 +1,185 @@
+#include "set/epghost/OptionTable.h"
+
+#include <fmt/format.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+
+#include "set/epghost/TimeOption.h"
+#include "set/log/LogControl.h"
+#include "set/recorder/PvrState.h"
+
+namespace epgset {
+namespace {
+
+using Form = OptionEntry::Form;
+using Text = const std::string&;
+
+const std::string good;
+
+std::string inQuotes(Text text) {
+    return '"' + text + '"';
+}
+
+std::string takeText(std::string& into, Text text) {
+    if (text.empty()) return "a text is missing";
+    into = text;
+    return good;
+}
+
+/// Takes a decimal number from `minimum` to `maximum`; a sign, a blank or another base is refused.
+template <typename Number>
+std::string takeNumber(Number& into, Text text, std::uint64_t minimum, std::uint64_t maximum) {
+    std::uint64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stopped, error] = std::from_chars(text.data(), end, number);
+    if (text.empty() || error != std::errc() || stopped != end || number < minimum || number > maximum) {
+        return fmt::format("{} is no number from {} to {}", inQuotes(text), minimum, maximum);
+    }
+    into = static_cast<Number>(number);
+    return good;
+}
+
+std::string notOneOf(Text text, std::string_view words) {
+    return fmt::format("{} is none of {}", inQuotes(text), words);
+}
+
+/// The scheme of a URL has no letter case.
+bool isUrl(Text text) {
+    return strncasecmp(text.c_str(), "http://", 7) == 0 || strncasecmp(text.c_str(), "https://", 8) == 0;
+}
+
+constexpr std::string_view pvrWords = "on|off|no-device|unformatted";
+constexpr std::string_view zoneWords = "utc|local";
+constexpr std::string_view levelWords = "trace|debug|warning|error|off";
+constexpr std::uint64_t mostProgrammes = 1'000'000'000;
+constexpr std::uint64_t mostTuners = 64;
+constexpr std::uint64_t mostBytes = 1'000'000'000'000'000;
+
+std::string takeGuide(Options& options, Text text) {
+    if (isUrl(text)) return text + ": a guide from a URL is not supported, only from a file";
+    std::string guide;
+    std::string fault = takeText(guide, text);
+    if (fault.empty()) options.guides.push_back(guide);
+    return fault;
+}
+
+std::string takeLineup(Options& options, Text text) {
+    return takeText(options.lineup, text);
+}
+
+std::string takeProgrammes(Options& options, Text text) {
+    return takeNumber(options.maxProgrammes, text, 0, mostProgrammes);
+}
+
+std::string takeState(Options& options, Text text) {
+    return takeText(options.state, text);
+}
+
+/// A folder that the set makes itself may still be missing.
+std::string takeRecordings(Options& options, Text text) {
+    std::error_code ignored;
+    if (std::filesystem::exists(text, ignored) && !std::filesystem::is_directory(text, ignored)) {
+        return text + " is no folder";
+    }
+    return takeText(options.recordings, text);
+}
+
+std::string takeTuners(Options& options, Text text) {
+    return takeNumber(options.tuners, text, 1, mostTuners);
+}
+
+std::string takeRecordingsMax(Options& options, Text text) {
+    return takeNumber(options.recordingsMax, text, 0, mostBytes);
+}
+
+std::string takeWebRoot(Options& options, Text text) {
+    std::error_code ignored;
+    if (!text.empty() && !std::filesystem::is_directory(text, ignored)) return text + " is no folder";
+    return takeText(options.webRoot, text);
+}
+
+std::string takePlugin(Options& options, Text text) {
+    return takeText(options.plugin, text);
+}
+
+std::string takeListen(Options& options, Text text) {
+    return takeText(options.listen, text);
+}
+
+std::string takePort(Options& options, Text text) {
+    return takeNumber(options.port, text, 0, 65535);
+}
+
+std::string takePvr(Options& options, Text text) {
+    if (!pvrStateOf(text)) return notOneOf(text, pvrWords);
+    options.pvr = text;
+    return good;
+}
+
+std::string takeNow(Options& options, Text text) {
+    options.now = parseTimeOption(text);
+    return options.now ? good : inQuotes(text) + " is no time such as 2026-08-23T00:00:00Z";
+}
+
+std::string takeZone(Options& options, Text text) {
+    if (text != "utc" && text != "local") return notOneOf(text, zoneWords);
+    options.zone = text == "utc" ? Zone::Utc : Zone::Local;
+    return good;
+}
+
+std::string takeLogLevel(Options& options, Text text) {
+    const auto level = LogControl::levelOf(text);
+    if (!level) return notOneOf(text, levelWords);
+    options.logLevel = *level;
+    return good;
+}
+
+constexpr auto table = std::to_array<OptionEntry>({
+    {"guide", "PATH", "An XMLTV guide (.xml, .xml.gz); may be repeated", "the demo guide", Form::Text, true,
+     takeGuide},
+    {"lineup", "PATH",
+     "The channel line-up (TOML), for the demo guide too, whose ids are ANTENNA-MAJOR-MINOR.demo such as "
+     "AIR-1-0.demo",
+     "every channel of the guide", Form::Text, false, takeLineup},
+    {"max-programmes", "N", "How many programmes the guide cache holds; 0: no bound", "90000", Form::Number,
+     false, takeProgrammes},
+    {"state", "DIR", "Where reminders are kept", "$XDG_STATE_HOME/epghost, else ~/.local/state/epghost",
+     Form::Text, false, takeState},
+    {"recordings", "DIR", "Where recordings are written", "recordings below the state folder", Form::Text,
+     false, takeRecordings},
+    {"tuners", "N", "How many recordings may run at once", "2", Form::Number, false, takeTuners},
+    {"recordings-max", "BYTES", "How many bytes the recordings may hold; 0: no bound", "0", Form::Number,
+     false, takeRecordingsMax},
+    {"web-root", "DIR", "The UPnP web root; it holds rcr/RemoteControlReceiver.xml",
+     "the one that comes with the set", Form::Text, false, takeWebRoot},
+    {"plugin", "PATH", "The plug-in to load", "EpgSQLPlugin.so beside the program or in ../lib", Form::Text,
+     false, takePlugin},
+    {"listen", "ADDRESS", "Address to listen on", "127.0.0.1", Form::Text, false, takeListen},
+    {"port", "N", "Port to listen on; 0 takes a free one", "8080", Form::Number, false, takePort},
+    {"pvr", pvrWords, "What the set says of its ability to record", "on", Form::Text, false, takePvr},
+    {"now", "TIME", "The set's clock starts at this time (ISO 8601) and runs on from it", "the system clock",
+     Form::Text, false, takeNow},
+    {"zone", zoneWords, "The zone in which the set's middleware clock runs", "utc", Form::Text, false,
+     takeZone},
+    {"log-level", levelWords, "What is logged, to standard error", "warning", Form::Text, false,
+     takeLogLevel},
+});
+
+}  // namespace
+
+std::span<const OptionEntry> optionTable() {
+    return table;
+}
+
+const OptionEntry* findOption(std::string_view name) {
+    const auto* const found = std::ranges::find(table, name, &OptionEntry::name);
+    return found == table.end() ? nullptr : found;
+}
+
+}  // namespace epgset
