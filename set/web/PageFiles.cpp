@@ -26,6 +26,16 @@ constexpr std::string_view contentSecurityPolicy =
     "default-src 'none'; script-src 'self'; style-src 'self'; font-src 'self'; img-src 'self' data:; "
     "connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
 
+/// The packaged viewer of the interface's description writes its styles into its page.
+constexpr std::string_view viewerFolder = "set/api";
+constexpr std::string_view viewerPolicy =
+    "; style-src-elem 'self' 'unsafe-inline'; style-src-attr 'unsafe-inline'";
+
+std::string policyOf(const fs::path& file) {
+    const bool isViewers = file.parent_path() == viewerFolder;
+    return std::string(contentSecurityPolicy) + std::string(isViewers ? viewerPolicy : "");
+}
+
 struct Kind {
     std::string_view extension;
     const char* contentType;
@@ -41,6 +51,7 @@ constexpr std::array kinds = {
     Kind{".woff2", "font/woff2"},
     Kind{".txt", "text/plain;charset=utf-8"},
     Kind{".json", "application/json;charset=utf-8"},
+    Kind{".yaml", "application/yaml"},
 };
 
 const Container::Logger& log() {
@@ -91,17 +102,24 @@ void PageFiles::read(const fs::path& folder) {
         if (!contentType) continue;
         auto bytes = bytesOf(entry.path());
         if (!bytes) continue;
+        const fs::path file = entry.path().lexically_relative(folder);
         std::vector<std::string> segments;
-        for (const fs::path& segment : entry.path().lexically_relative(folder))
+        for (const fs::path& segment : file)
             segments.push_back(segment.string());
         std::string tag = entityTag(contentType, *bytes);
-        files_.insert_or_assign(std::move(segments), File{contentType, std::move(*bytes), std::move(tag)});
+        files_.insert_or_assign(std::move(segments),
+                                File{contentType, std::move(*bytes), std::move(tag), policyOf(file)});
     }
 }
 
 std::optional<WebResponse> PageFiles::answer(const WebRequest& request,
                                              const std::vector<std::string>& segments) const {
-    const auto found = files_.find(segments.empty() ? std::vector<std::string>{indexFile} : segments);
+    auto found = files_.find(segments);
+    if (found == files_.end()) {
+        std::vector<std::string> index = segments;
+        index.emplace_back(indexFile);
+        found = files_.find(index);
+    }
     if (found == files_.end()) return std::nullopt;
     const File& file = found->second;
     WebResponse response;
@@ -109,7 +127,7 @@ std::optional<WebResponse> PageFiles::answer(const WebRequest& request,
     setHeader(response.headers, "ETag", file.tag);
     // The files keep their names when a new set is installed: a browser has to ask whether they are the same.
     setHeader(response.headers, "Cache-Control", "no-cache");
-    setHeader(response.headers, "Content-Security-Policy", contentSecurityPolicy);
+    setHeader(response.headers, "Content-Security-Policy", file.policy);
     setHeader(response.headers, "X-Content-Type-Options", "nosniff");
     setHeader(response.headers, "Referrer-Policy", "no-referrer");
     if (namesTag(headerValue(request.headers, "If-None-Match"), file.tag)) response.status = 304;

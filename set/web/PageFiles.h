@@ -24,8 +24,8 @@ public:
 
     bool empty() const { return files_.empty(); }
 
-    /// The answer to a GET or HEAD for a path, told by its segments; none of them: "index.html". Nothing when
-    /// there is no such file.
+    /// The answer to a GET or HEAD for a path, told by its segments; for a folder its "index.html". Nothing
+    /// when there is no such file.
     std::optional<WebResponse> answer(const WebRequest& request,
                                       const std::vector<std::string>& segments) const;
 
@@ -34,6 +34,7 @@ private:
         const char* contentType;
         std::string body;
         std::string tag;
+        std::string policy;  ///< what a browser may load into it
     };
 
     void read(const std::filesystem::path& folder);

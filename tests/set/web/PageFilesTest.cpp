@@ -13,6 +13,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 namespace fs = std::filesystem;
 
@@ -50,11 +51,37 @@ TEST_F(PageFilesTest, AnswerTheIndexForTheRoot) {
     }
 }
 
+TEST_F(PageFilesTest, AnswerTheIndexOfAFolder) {
+    write("index.html", "guide");
+    write("set/api/index.html", "interface");
+    write("assets/style.css", "2");
+    const PageFiles files = read();
+    const auto response = answer(files, {"set", "api"});
+    ASSERT_TRUE(response);
+    EXPECT_EQ("interface", response->body);
+    EXPECT_FALSE(answer(files, {"set"}));
+    EXPECT_FALSE(answer(files, {"assets"}));
+}
+
+TEST_F(PageFilesTest, LetTheViewerOfTheInterfaceAloneWriteItsStyles) {
+    write("index.html", "guide");
+    write("set/api/index.html", "interface");
+    write("set/other/index.html", "other");
+    const PageFiles files = read();
+    const auto policyOf = [&](const std::vector<std::string>& segments) {
+        return headerValue(answer(files, segments)->headers, "Content-Security-Policy");
+    };
+    EXPECT_THAT(policyOf({"set", "api"}), HasSubstr("style-src-elem 'self' 'unsafe-inline'"));
+    EXPECT_EQ(policyOf({}), policyOf({"set", "other"}));
+    EXPECT_THAT(policyOf({}), Not(HasSubstr("unsafe")));
+}
+
 TEST_F(PageFilesTest, TellWhatKindEachFileIs) {
     write("index.html", "");
     write("assets/guide.js", "1");
     write("assets/style.css", "2");
     write("icon.svg", "3");
+    write("openapi.yaml", "5");
     write("assets/letters.woff2", "4");
     const PageFiles files = read();
     const auto typeOf = [&](const std::vector<std::string>& segments) {
@@ -65,6 +92,7 @@ TEST_F(PageFilesTest, TellWhatKindEachFileIs) {
     EXPECT_EQ("text/css;charset=utf-8", typeOf({"assets", "style.css"}));
     EXPECT_EQ("image/svg+xml", typeOf({"icon.svg"}));
     EXPECT_EQ("font/woff2", typeOf({"assets", "letters.woff2"}));
+    EXPECT_EQ("application/yaml", typeOf({"openapi.yaml"}));
 }
 
 TEST_F(PageFilesTest, LetTheBrowserAskNobodyElse) {
@@ -74,7 +102,7 @@ TEST_F(PageFilesTest, LetTheBrowserAskNobodyElse) {
     EXPECT_THAT(policy, HasSubstr("default-src 'none'"));
     EXPECT_THAT(policy, HasSubstr("script-src 'self';"));
     EXPECT_THAT(policy, HasSubstr("connect-src 'self';"));
-    EXPECT_THAT(policy, ::testing::Not(HasSubstr("unsafe")));
+    EXPECT_THAT(policy, Not(HasSubstr("unsafe")));
     EXPECT_EQ("nosniff", headerValue(headers, "X-Content-Type-Options"));
     EXPECT_EQ("no-cache", headerValue(headers, "Cache-Control"));
 }
