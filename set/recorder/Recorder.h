@@ -43,6 +43,7 @@ public:
 
     bool begin(const RecordingOrder& order) override;
     void end(unsigned long uid, RecordingEnd why) override;
+    bool records(unsigned long uid) const override { return activeRecording(uid).has_value(); }
 
     int tuners() const { return settings_.tuners; }
 

@@ -42,6 +42,10 @@ public:
 
     /// Ends the recording of that entry; nothing where there is none.
     virtual void end(unsigned long uid, RecordingEnd why) = 0;
+
+    /// Whether that entry is being recorded. What was begun may come to its end by itself: with its source,
+    /// on a full disk, by the user's stop.
+    virtual bool records(unsigned long uid) const = 0;
 };
 
 }  // namespace epgset

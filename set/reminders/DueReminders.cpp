@@ -41,6 +41,7 @@ DueReminders::Occurrence::Occurrence(const ReminderEntry& entry)
 
 void DueReminders::check(std::int64_t now) {
     noteClock(now);
+    noteLost();
     endOrders(now);
     warnOfMissed(now);
     store_.removeEnded(now);
@@ -68,6 +69,14 @@ void DueReminders::noteClock(std::int64_t now) {
     if (lastChecked_ && now < *lastChecked_ - clockCorrection) {
         log().warning("The clock went back by %lld s: reminders that came due do not come due again",
                       static_cast<long long>(*lastChecked_ - now));
+    }
+}
+
+void DueReminders::noteLost() {
+    for (auto& [uid, due] : due_) {
+        if (!due.ordered || recorder_.records(uid)) continue;
+        due.ordered = false;
+        store_.recordingEnded(uid);
     }
 }
 

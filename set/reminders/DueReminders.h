@@ -29,7 +29,8 @@ public:
 
     /// Ends the orders of what has ended, was removed or was replaced by something else; then removes what
     /// has ended or moves it on; then tunes to or orders what has come due, once for each occurrence, also
-    /// where it began before the set was started. `now` is a UNIX time.
+    /// where it began before the set was started. What the recorder does not record any more is no longer
+    /// shown as RECORDING. `now` is a UNIX time.
     void check(std::int64_t now);
 
     /// The set goes down: ends the orders, which are given again when it starts.
@@ -52,10 +53,11 @@ private:
 
     struct Due {
         Occurrence occurrence;
-        bool ordered;  ///< whether the recorder has its order
+        bool ordered;  ///< whether the recorder carries out its order
     };
 
     void noteClock(std::int64_t now);
+    void noteLost();
     void endOrders(std::int64_t now);
     void warnOfMissed(std::int64_t now);
     bool isDue(const ReminderEntry& entry) const;

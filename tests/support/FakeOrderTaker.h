@@ -23,7 +23,10 @@ public:
         calls.push_back("end " + std::to_string(uid) + " " + words[static_cast<int>(why)]);
     }
 
+    bool records(unsigned long uid) const override { return !lost.contains(uid); }
+
     std::set<unsigned long> refused;  ///< UIDs
+    std::set<unsigned long> lost;     ///< UIDs whose recordings came to their end by themselves
 
     std::vector<std::string> calls;  ///< "begin UID START" and "end UID WHY", in order
     std::vector<epgset::RecordingOrder> orders;

@@ -46,6 +46,7 @@ TEST_F(RecorderDiskTest, EndsWhenTheDiskIsFull) {
     EXPECT_TRUE(holdsWhatWasSent(stream(17), server_.sent()));
     EXPECT_THAT(logged(Container::Logger::Error), HasSubstr("has ended: failed: " + reasonOfFull()));
     EXPECT_EQ(files().size(), 2U);
+    EXPECT_FALSE(recorder().records(17));
     ASSERT_TRUE(eventually([] { return recordings().running().empty(); }));
     EXPECT_EQ(recorder().tunersInUse(), 0);
 }

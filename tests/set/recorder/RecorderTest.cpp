@@ -65,9 +65,12 @@ TEST_F(RecorderTest, StandsInTheListOfRecordingsMeanwhile) {
     EXPECT_EQ(running[0].file, stream(17));
     EXPECT_EQ(running[0].channel->major, 7);
     EXPECT_EQ(recorder().tunersInUse(), 1);
+    EXPECT_TRUE(recorder().records(17));
+    EXPECT_FALSE(recorder().records(18));
     recorder().end(17, RecordingEnd::Ended);
     EXPECT_THAT(recordings().running(), IsEmpty());
     EXPECT_EQ(recorder().tunersInUse(), 0);
+    EXPECT_FALSE(recorder().records(17));
 }
 
 TEST_F(RecorderTest, SaysThatARecordingHasStartedAndEnded) {

@@ -96,6 +96,18 @@ TEST_F(RecordingOrdersTest, ShowTheEntryAsRecordingMeanwhile) {
     EXPECT_EQ(shownTypeOf(uid), CReminder::RESERVE_RECORD);
 }
 
+TEST_F(RecordingOrdersTest, ShowNoRecordingThatCameToItsEndByItself) {
+    const unsigned long uid = add(manualEntry(2'000'000, 100));
+    checkAt(2'000'000);
+    recorder_.lost.insert(uid);
+    checkAt(2'000'010);
+    EXPECT_EQ(shownTypeOf(uid), CReminder::RESERVE_RECORD);
+    checkAt(2'000'020);
+    checkAt(2'000'100);
+    EXPECT_THAT(recorder_.calls, ElementsAre("begin 1 2000000"));
+    EXPECT_THAT(all(), IsEmpty());
+}
+
 TEST_F(RecordingOrdersTest, ShowARepeatingEntryAsRecordingOnlyWhileItDoes) {
     const ProcessZone zone("UTC");
     const unsigned long uid = addDaily();
