@@ -94,6 +94,41 @@ TEST_F(ReminderService, RemovesWhatEndedWhileTheSetWasOff) {
     EXPECT_EQ(reminders().front().StartTime(), noon + 10'000);
 }
 
+/// A guide of channel 1 with a programme of an hour at each of these hours after noon.
+std::string guideWithSoapAt(const std::vector<int>& hours) {
+    std::string text = R"(<tv><channel id="one"><display-name>1</display-name></channel>)";
+    for (const int hour : hours) {
+        const auto time = [](int of) { return "20260823" + std::to_string(12 + of) + "0000 +0000"; };
+        text += "<programme channel=\"one\" start=\"" + time(hour) + "\" stop=\"" + time(hour + 1) +
+                "\"><title>Soap</title></programme>";
+    }
+    return text + "</tv>";
+}
+
+TEST_F(ReminderService, FindsTheProgrammeOfASeriesAgainAtAReload) {
+    const std::string guide = folder_.write("guide.xml", guideWithSoapAt({1})).string();
+    {
+        ReminderStore store(file());
+        CRemindInfo info;
+        info.SetReserveType(CReminder::RESERVE_SERIES);
+        info.Set(1, 0, 0, 2, 0);
+        info.SetTitle({0x5300, 0x6F00, 0x6100, 0x7000});  // "Soap", in big-endian byte order
+        info.SetStartTime(noon + 3'600);
+        info.SetDuration(3'600);
+        ASSERT_TRUE(store.AddRemindItem(info, 0));
+    }
+    EpghostProcess process({"--state", stateFolder().string(), "--port", "0", "--now", "2026-08-23T12:00:00Z",
+                            "--guide", guide});
+    HttpClient client(process.waitUntilReady());
+    folder_.write("guide.xml", guideWithSoapAt({3, 5}));
+    process.signal(SIGHUP);
+    while (client.get("/set/status").body.find(R"("programs":2,)") == std::string::npos)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_EQ(0, process.stop());
+    ASSERT_THAT(reminders(), SizeIs(1));
+    EXPECT_EQ(reminders().front().StartTime(), noon + 3 * 3'600);
+}
+
 TEST_F(ReminderService, KeepsAStoreThatCannotBeOpenedFromStartingTheSet) {
     folder_.write("state/reminders.db", std::string(4096, 'x'));
     EpghostProcess process(options());
