@@ -8,10 +8,13 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <mutex>
 #include <thread>
+#include <vector>
 
 #include "host/Logger.h"
 #include "set/web/Exchange.h"
+#include "set/web/StreamedBody.h"
 #include "set/web/TaskQueue.h"
 
 namespace epgset {
@@ -59,20 +62,22 @@ struct DestroyResponse {
 };
 using LibraryResponse = std::unique_ptr<MHD_Response, DestroyResponse>;
 
-/// The library's form of a response, which takes the body over.
-LibraryResponse makeLibraryResponse(WebResponse& response) {
+/// The library's form of a response whose body is known, which it takes over.
+LibraryResponse makeWholeResponse(WebResponse& response) {
     if (!hasLength(response.status)) response.body.clear();
     auto body = std::make_unique<std::string>(std::move(response.body));
     LibraryResponse made(MHD_create_response_from_buffer_with_free_callback_cls(
         body->size(), body->data(), [](void* text) { delete static_cast<std::string*>(text); }, body.get()));
-    if (!made) return nullptr;
-    static_cast<void>(body.release());
-    for (const auto& [name, value] : response.headers) {
-        if (MHD_add_response_header(made.get(), name.c_str(), value.c_str()) != MHD_YES) {
+    if (made) static_cast<void>(body.release());
+    return made;
+}
+
+void addHeaders(MHD_Response* made, const WebHeaders& headers) {
+    for (const auto& [name, value] : headers) {
+        if (MHD_add_response_header(made, name.c_str(), value.c_str()) != MHD_YES) {
             serverLogger().warning("a response header cannot be sent: %s: %s", name, value);
         }
     }
-    return made;
 }
 
 }  // namespace
@@ -101,11 +106,16 @@ private:
     void answerInTurn(MHD_Connection* connection, Exchange& exchange);
     MHD_Result reply(MHD_Connection* connection, Exchange& exchange, WebResponse response);
     MHD_Result send(MHD_Connection* connection, Exchange& exchange);
+    LibraryResponse makeStreamedResponse(MHD_Connection* connection,
+                                         const std::shared_ptr<BodyStream>& stream);
+    void endStreams();
 
     WebHandler& handler_;
     const Limits limits_;
     std::atomic<bool> stopping_ = false;
     std::atomic<int> unsent_ = 0;  ///< answers that have not been sent to their end
+    std::mutex streamsMutex_;
+    std::vector<std::shared_ptr<StreamedBody>> streams_;  ///< guarded by streamsMutex_; bodies being sent
     TaskQueue queue_;
     MHD_Daemon* daemon_ = nullptr;
 };
@@ -132,6 +142,7 @@ HttpServer::Connections::Connections(ListenSocket socket, WebHandler& handler, c
 HttpServer::Connections::~Connections() {
     stopping_ = true;
     queue_.close();
+    endStreams();
     const auto deadline = Exchange::Clock::now() + farewell;
     while (unsent_ > 0 && Exchange::Clock::now() < deadline) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -236,9 +247,32 @@ MHD_Result HttpServer::Connections::reply(MHD_Connection* connection, Exchange& 
 
 MHD_Result HttpServer::Connections::send(MHD_Connection* connection, Exchange& exchange) {
     const int status = exchange.response->status;
-    const LibraryResponse response = makeLibraryResponse(*exchange.response);
+    const auto& stream = exchange.response->stream;
+    const LibraryResponse response =
+        stream ? makeStreamedResponse(connection, stream) : makeWholeResponse(*exchange.response);
     if (!response) return MHD_NO;
+    addHeaders(response.get(), exchange.response->headers);
     return MHD_queue_response(connection, static_cast<unsigned>(status), response.get());
+}
+
+LibraryResponse HttpServer::Connections::makeStreamedResponse(MHD_Connection* connection,
+                                                              const std::shared_ptr<BodyStream>& stream) {
+    const auto body = std::make_shared<StreamedBody>(stream, connection, [this](StreamedBody* gone) {
+        const std::lock_guard lock(streamsMutex_);
+        std::erase_if(streams_, [gone](const auto& kept) { return kept.get() == gone; });
+    });
+    LibraryResponse response(body->makeResponse());
+    const std::lock_guard lock(streamsMutex_);
+    if (stopping_) return nullptr;
+    if (response) streams_.push_back(body);
+    return response;
+}
+
+// A connection that rests must not be there when the daemon stops.
+void HttpServer::Connections::endStreams() {
+    const std::lock_guard lock(streamsMutex_);
+    for (const auto& body : streams_)
+        body->end();
 }
 
 HttpServer::HttpServer(ListenSocket socket, WebHandler& handler, const Limits& limits)

@@ -16,6 +16,9 @@ namespace {
 /// The first path segment of what the plug-in answers.
 constexpr std::string_view pluginMount = "ws";
 
+/// The path of the set's events, which alone has no end.
+constexpr std::string_view eventsPath = "set/events";
+
 WebResponse status(const SetFacts& facts) {
     WebResponse response;
     setHeader(response.headers, "Content-Type", "application/json;charset=utf-8");
@@ -48,6 +51,16 @@ const Resource* findResource(const std::vector<std::string>& segments) {
     return found == std::end(resources) ? nullptr : found;
 }
 
+bool isRead(const WebRequest& request) {
+    return request.method == "GET" || request.method == "HEAD";
+}
+
+WebResponse onlyRead() {
+    WebResponse response = textResponse(405, "this resource can only be read");
+    setHeader(response.headers, "Allow", "GET, HEAD");
+    return response;
+}
+
 /// The answer to a request that is not let through to anything; nothing for one that is.
 std::optional<WebResponse> refusal(const WebRequest& request) {
     if (holdsEncodedNul(request.path) || holdsEncodedNul(request.query)) {
@@ -67,12 +80,29 @@ std::optional<WebResponse> SetRoutes::answerAtOnce(const WebRequest& request) {
 
     const bool isPath = request.path.starts_with('/') || request.path.empty();
     const std::vector<std::string> segments = pathSegments(isPath ? request.path : "*");
+    const bool isEvents = segments == pathSegments(eventsPath);
     const std::optional<WebResponse> file = page_.answer(request, segments);
     const Resource* resource = findResource(segments);
-    if (!file && resource == nullptr) return textResponse(404, "there is nothing at this path");
-    if (request.method == "GET" || request.method == "HEAD") return file ? *file : resource->answer(facts_);
-    WebResponse response = textResponse(405, "this resource can only be read");
-    setHeader(response.headers, "Allow", "GET, HEAD");
+    if (!isEvents && !file && resource == nullptr) {
+        return textResponse(404, "there is nothing at this path");
+    }
+    if (!isRead(request)) return onlyRead();
+    if (isEvents) return eventStream(request);
+    return file ? *file : resource->answer(facts_);
+}
+
+WebResponse SetRoutes::eventStream(const WebRequest& request) {
+    WebResponse response;
+    if (request.method == "GET") {
+        response.stream = feed_.open(headerValue(request.headers, "Last-Event-ID"));
+        if (!response.stream) {
+            response = textResponse(503, "too many clients listen for events");
+            setHeader(response.headers, "Retry-After", "60");
+            return response;
+        }
+    }
+    setHeader(response.headers, "Content-Type", "text/event-stream");
+    setHeader(response.headers, "Cache-Control", "no-store");
     return response;
 }
 

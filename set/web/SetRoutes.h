@@ -1,6 +1,8 @@
 // What stands at which path of the set's web server.
 #pragma once
 
+#include "set/events/EventRing.h"
+#include "set/web/EventFeed.h"
 #include "set/web/PageFiles.h"
 #include "set/web/PluginHost.h"
 #include "set/web/StatusDocument.h"
@@ -18,9 +20,12 @@ public:
     WebResponse answerInTurn(const WebRequest& request) override;
 
 private:
+    WebResponse eventStream(const WebRequest& request);
+
     PluginHost& plugin_;
     const SetFacts facts_;
     const PageFiles page_;
+    EventFeed feed_{events()};
 };
 
 }  // namespace epgset

@@ -3,12 +3,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 namespace epgset {
+
+class BodyStream;
 
 /// Largest request body that is kept, in bytes, itself included.
 constexpr std::size_t maximumRequestBody = 2097152;
@@ -40,7 +43,8 @@ struct WebRequest {
 struct WebResponse {
     int status = 200;
     WebHeaders headers;
-    std::string body;  ///< of a 304: what the 200 would have sent
+    std::string body;                         ///< of a 304: what the 200 would have sent
+    std::shared_ptr<BodyStream> stream = {};  ///< in place of `body`: one that grows; null: none
 };
 
 /// A response whose body is one line of plain text.
