@@ -8,13 +8,15 @@
 #include <utility>
 
 #include "host/Logger.h"
-#include "set/epghost/GuideReload.h"
+#include "set/epghost/GuideNews.h"
+#include "set/epghost/GuideRefresh.h"
 #include "set/epghost/GuideSource.h"
 #include "set/epghost/PluginFile.h"
 #include "set/epghost/ProcessZone.h"
 #include "set/epghost/Reminders.h"
 #include "set/epghost/Signals.h"
 #include "set/epghost/StateFolder.h"
+#include "set/events/EventRing.h"
 #include "set/log/LogControl.h"
 #include "set/middleware/Clock.h"
 #include "set/middleware/Television.h"
@@ -34,12 +36,6 @@ namespace {
 /// The plug-in passes over small changes of the guide until its table is more than 600 s old, so that a
 /// reload takes a second call of its maintenance.
 constexpr std::chrono::seconds secondMaintenance{601};
-
-/// How often the set looks whether the guide in use is still good.
-constexpr std::chrono::seconds guideCheckPeriod{600};
-
-/// How often it looks whether a load has ended.
-constexpr std::chrono::milliseconds loadCheckPeriod{20};
 
 const Container::Logger& programLogger() {
     static const Container::Logger logger = Container::Logger::logger("set/epghost");
@@ -83,42 +79,34 @@ void warmUp(PluginHost& plugin) {
     }
 }
 
-void putInUse(GuideReload::Outcome loaded, GuideSource& source, Reminders& reminders,
-              MaintenanceTimer& timer) {
-    if (!loaded.guide) {
-        programLogger().error("the guide stays as it was: %s", loaded.error);
-        return;
-    }
-    useGuide(std::move(loaded.guide));
-    reminders.guideChanged();
-    try {
-        source.keepEventIds();
-    } catch (const std::exception& error) {
-        programLogger().error("the event ids of the new guide are not kept for the next start: %s",
-                              error.what());
-    }
-    timer.callIn(std::chrono::seconds(0));
-    timer.callIn(secondMaintenance);
-}
-
 void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket socket, GuideSource& source,
-                       GuideReload& reload, Reminders& reminders) {
-    MaintenanceTimer timer([&plugin] { plugin.maintain(); }, plugin.maintenancePeriod());
-    SetRoutes routes(plugin, facts, PageFiles(shippedPage()));
+                       GuideRefresh& refresh, Reminders& reminders) {
+    GuideNews news(events(), secondMaintenance);
+    const auto maintain = [&] {
+        plugin.maintain();
+        news.maintained();
+    };
+    MaintenanceTimer timer(maintain, plugin.maintenancePeriod());
+    const auto putInUse = [&](std::shared_ptr<const Guide> guide) {
+        useGuide(std::move(guide));
+        reminders.guideChanged();
+        try {
+            source.keep();
+        } catch (const std::exception& error) {
+            programLogger().error("what the next start needs of the new guide is not kept: %s", error.what());
+        }
+        news.reloaded();
+        timer.callIn(std::chrono::seconds(0));
+        timer.callIn(secondMaintenance);
+    };
+    SetRoutes routes(plugin, facts);
     const std::string url = socket.url();
     const HttpServer server(std::move(socket), routes);
     std::cout << "listening on " << url << std::endl;
-    bool asked = false;  // for a load that is not begun yet
     for (;;) {
-        const Command command = waitForCommand(reload.running() ? loadCheckPeriod : guideCheckPeriod);
+        const Command command = waitForCommand(refresh.check(putInUse));
         if (command == Command::Stop) return;
-        if (!reload.running()) asked = source.loadAgainBy() - clock().now() <= guideCheckPeriod.count();
-        if (command == Command::Reload) asked = true;
-        if (auto loaded = reload.takeOutcome()) putInUse(std::move(*loaded), source, reminders, timer);
-        if (asked && !reload.running()) {
-            reload.begin();
-            asked = false;
-        }
+        if (command == Command::Reload) refresh.ask();
     }
 }
 
@@ -134,7 +122,7 @@ void runEpghost(const Options& options) {
     const PluginLibrary library(findPluginFile(options.plugin));
     const ClockInUse clock(options);
     GuideSource source(options, state);
-    GuideReload reload(source);
+    GuideRefresh refresh(source);
     useGuide(source.load());
     blockSignals();
     state.create();
@@ -144,13 +132,14 @@ void runEpghost(const Options& options) {
                       [&store](unsigned long uid, std::int64_t start) { store->endOccurrence(uid, start); });
     Reminders reminders(state.path(), recorder);
     store = &reminders;
-    source.keepEventIds();
+    source.keep();
     useWebRoot(options.webRoot.empty() ? shippedWebRoot() : std::filesystem::path(options.webRoot));
 
     PluginHost plugin(library.descriptor());
     warmUp(plugin);
     if (stopIsPending()) return;
-    serveUntilStopped(plugin, {options.pvr, processZoneName()}, std::move(socket), source, reload, reminders);
+    const SetFacts facts{options.pvr, processZoneName(), [&source] { return source.reports(); }};
+    serveUntilStopped(plugin, facts, std::move(socket), source, refresh, reminders);
 }
 
 }  // namespace epgset

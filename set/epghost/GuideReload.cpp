@@ -23,7 +23,8 @@ GuideReload::~GuideReload() {
     thread_.join();
 }
 
-void GuideReload::begin() {
+void GuideReload::begin(bool askServers) {
+    if (askServers) source_.askServers();
     load_ = std::make_shared<Load>();
     thread_ = std::thread([&source = source_, load = load_] {
         try {

@@ -31,8 +31,8 @@ public:
     GuideReload(const GuideReload&) = delete;
     GuideReload& operator=(const GuideReload&) = delete;
 
-    /// Begins to load; only while no load goes on.
-    void begin();
+    /// Begins to load; only while no load goes on. `askServers`: guides that are named by a URL are fetched.
+    void begin(bool askServers);
 
     /// Whether there is a load whose outcome has not been taken.
     bool running() const { return thread_.joinable(); }

@@ -1,7 +1,6 @@
 #include "set/epghost/OptionTable.h"
 
 #include <fmt/format.h>
-#include <strings.h>
 
 #include <algorithm>
 #include <array>
@@ -49,11 +48,6 @@ std::string notOneOf(Text text, std::string_view words) {
     return fmt::format("{} is none of {}", inQuotes(text), words);
 }
 
-/// The scheme of a URL has no letter case.
-bool isUrl(Text text) {
-    return strncasecmp(text.c_str(), "http://", 7) == 0 || strncasecmp(text.c_str(), "https://", 8) == 0;
-}
-
 constexpr std::string_view pvrWords = "on|off|no-device|unformatted";
 constexpr std::string_view zoneWords = "utc|local";
 constexpr std::string_view levelWords = "trace|debug|warning|error|off";
@@ -62,7 +56,6 @@ constexpr std::uint64_t mostTuners = 64;
 constexpr std::uint64_t mostBytes = 1'000'000'000'000'000;
 
 std::string takeGuide(Options& options, Text text) {
-    if (isUrl(text)) return text + ": a guide from a URL is not supported, only from a file";
     std::string guide;
     std::string fault = takeText(guide, text);
     if (fault.empty()) options.guides.push_back(guide);
@@ -141,8 +134,9 @@ std::string takeLogLevel(Options& options, Text text) {
 }
 
 constexpr auto table = std::to_array<OptionEntry>({
-    {"guide", "PATH", "An XMLTV guide (.xml, .xml.gz); may be repeated", "the demo guide", Form::Text, true,
-     takeGuide},
+    {"guide", "PATH|URL",
+     "An XMLTV guide (.xml, .xml.gz), fetched every 6 hours where it is a URL; may be repeated",
+     "the demo guide", Form::Text, true, takeGuide},
     {"lineup", "PATH",
      "The channel line-up (TOML), for the demo guide too, whose ids are ANTENNA-MAJOR-MINOR.demo such as "
      "AIR-1-0.demo",

@@ -1,13 +1,10 @@
 #include "set/guide/EventIds.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cerrno>
 #include <charconv>
 #include <fstream>
 #include <functional>
@@ -19,6 +16,7 @@
 #include <utility>
 
 #include "host/Logger.h"
+#include "set/files/FileReplacement.h"
 #include "set/guide/GuideError.h"
 
 namespace epgset {
@@ -110,48 +108,6 @@ std::optional<std::pair<std::uint32_t, std::uint16_t>> readEntry(std::string_vie
     return entry;
 }
 
-/// A file descriptor that is closed at the end.
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-    ~Descriptor() {
-        if (descriptor_ >= 0) ::close(descriptor_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int get() const { return descriptor_; }
-
-private:
-    int descriptor_;
-};
-
-bool writeWhole(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return false;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
-
-/// Puts a file of that text in the place of `path`, at once or not at all.
-void replaceFile(const std::filesystem::path& path, std::string_view text) {
-    std::filesystem::path fresh = path;
-    fresh += ".new";
-    const auto fail = [&] {
-        throw GuideError(path.string(), 0, "cannot be written: " + std::generic_category().message(errno));
-    };
-    {
-        const Descriptor file(::open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
-        if (file.get() < 0 || !writeWhole(file.get(), text) || ::fsync(file.get()) != 0) fail();
-    }
-    if (::rename(fresh.c_str(), path.c_str()) != 0) fail();
-    const Descriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.get() < 0 || ::fsync(folder.get()) != 0) fail();
-}
-
 }  // namespace
 
 EventIds::EventIds(const std::filesystem::path& stateFolder) : folder_(stateFolder) {
@@ -205,7 +161,12 @@ void EventIds::save(std::int64_t now) {
     if (folder_.empty()) return;
     forgetBefore(now - kKeptSeconds);
     if (!changed_) return;
-    replaceFile(folder_ / kFileName, fileText());
+    const std::filesystem::path path = folder_ / kFileName;
+    try {
+        replaceWholeFile(path, fileText());
+    } catch (const std::system_error& error) {
+        throw GuideError(path.string(), 0, "cannot be written: " + error.code().message());
+    }
     changed_ = false;
 }
 

@@ -19,7 +19,7 @@ ClumpPart readClumpPart(std::string_view text) {
 }
 
 void GuideCollector::channel(const XmltvChannel& channel) {
-    ++counts_.back().records;
+    ++counts_.back().channels;
     if (channel.id.empty()) {
         ++counts_.back().channelsWithoutId;
         return;
@@ -35,7 +35,7 @@ void GuideCollector::channel(const XmltvChannel& channel) {
 
 void GuideCollector::programme(const XmltvProgramme& programme) {
     GuideCounts& counts = counts_.back();
-    ++counts.records;
+    ++counts.programmes;
     const auto start = readXmltvTime(programme.start);
     const auto stop = readXmltvTime(programme.stop);
     if (!start) {

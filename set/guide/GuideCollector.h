@@ -53,7 +53,8 @@ struct CollectedProgramme {
 
 /// How much a guide holds, and what of it could not be used.
 struct GuideCounts {
-    std::size_t records = 0;  ///< channels and programmes
+    std::size_t channels = 0;
+    std::size_t programmes = 0;
     std::size_t channelsWithoutId = 0;
     std::size_t ofUnknownChannel = 0;
     std::size_t withoutStart = 0;

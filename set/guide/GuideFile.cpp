@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include "set/guide/GuideError.h"
 
@@ -30,7 +31,7 @@ void GuideFile::Closer::operator()(void* file) const {
     gzclose(handle(file));
 }
 
-GuideFile::GuideFile(const std::filesystem::path& path) : name_(path.string()) {
+GuideFile::GuideFile(const std::filesystem::path& path, std::string name) : name_(std::move(name)) {
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0) throw GuideError(name_, 0, "cannot be opened: " + systemMessage(errno));
     struct stat status {};

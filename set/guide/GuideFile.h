@@ -11,8 +11,9 @@ namespace epgset {
 /// A guide file opened for reading. Whether it is compressed is told by its content, not by its name.
 class GuideFile {
 public:
-    /// Throws GuideError when the file cannot be opened, is a folder or is empty.
-    explicit GuideFile(const std::filesystem::path& path);
+    /// `name` is what messages call it. Throws GuideError when the file cannot be opened, is a folder or is
+    /// empty.
+    GuideFile(const std::filesystem::path& path, std::string name);
 
     /// Reads up to `size` bytes; fewer only before the end. Answers how many, 0 at the end and -1 when the
     /// rest cannot be read, failure() then says why.
@@ -24,7 +25,7 @@ public:
     /// What read() failed of; empty while nothing did.
     const std::string& failure() const { return failure_; }
 
-    /// The path as it was given, for messages.
+    /// What messages call it.
     const std::string& name() const { return name_; }
 
 private:

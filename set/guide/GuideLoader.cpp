@@ -32,10 +32,10 @@ const Container::Logger& log() {
     return logger;
 }
 
-void readGuides(const std::vector<std::filesystem::path>& guides, GuideCollector& collector) {
-    for (const std::filesystem::path& guide : guides) {
+void readGuides(const std::vector<GuideInput>& guides, GuideCollector& collector) {
+    for (const GuideInput& guide : guides) {
         collector.startGuide();
-        readXmltv(guide, collector);
+        readXmltv(guide.path, guide.name, collector);
     }
 }
 
@@ -50,8 +50,10 @@ void placeProgrammes(GuideCollector& collector, const ChannelList& list) {
     });
 }
 
-void warnOfGuide(const std::filesystem::path& guide, const GuideCounts& counts) {
-    if (counts.records == 0) log().warning("%s: the guide has no channel and no programme", guide.string());
+void warnOfGuide(const std::string& guide, const GuideCounts& counts) {
+    if (counts.channels + counts.programmes == 0) {
+        log().warning("%s: the guide has no channel and no programme", guide);
+    }
     std::vector<std::string> parts;
     if (counts.skippedProgrammes() > 0) {
         parts.push_back(
@@ -64,7 +66,7 @@ void warnOfGuide(const std::filesystem::path& guide, const GuideCounts& counts) 
         parts.push_back(fmt::format("skipped {} channels without an id", counts.channelsWithoutId));
     }
     if (counts.textsCut > 0) parts.push_back(fmt::format("cut {} texts that are too long", counts.textsCut));
-    if (!parts.empty()) log().warning("%s: %s", guide.string(), fmt::to_string(fmt::join(parts, "; ")));
+    if (!parts.empty()) log().warning("%s: %s", guide, fmt::to_string(fmt::join(parts, "; ")));
 }
 
 void warnOfChannels(const GuideSources& sources, const Lineup& lineup, const ChannelList& list) {
@@ -150,9 +152,11 @@ LoadedGuide load(const std::function<void(GuideCollector&)>& collect, const Guid
 
     LoadedGuide loaded;
     warnOfChannels(sources, lineup, list);
-    for (std::size_t index = 0; index < sources.guides.size(); ++index) {
-        warnOfGuide(sources.guides[index], collector.counts()[index]);
-        loaded.programmesSkipped += collector.counts()[index].skippedProgrammes();
+    for (std::size_t index = 0; index < collector.counts().size(); ++index) {
+        const GuideCounts& counts = collector.counts()[index];
+        if (index < sources.guides.size()) warnOfGuide(sources.guides[index].name, counts);
+        loaded.contents.push_back({counts.channels, counts.programmes, counts.skippedProgrammes()});
+        loaded.programmesSkipped += counts.skippedProgrammes();
     }
     warnOfBounds(bounded);
 

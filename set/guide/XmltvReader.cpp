@@ -188,8 +188,8 @@ int DocumentWalk::nodeLine() const {
 
 }  // namespace
 
-void readXmltv(const std::filesystem::path& path, XmltvSink& sink) {
-    GuideFile file(path);
+void readXmltv(const std::filesystem::path& path, const std::string& name, XmltvSink& sink) {
+    GuideFile file(path, name);
     const std::unique_ptr<xmlTextReader, ReaderCloser> reader(
         xmlReaderForIO(readFile, leaveOpen, &file, nullptr, nullptr,
                        XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_BIG_LINES));

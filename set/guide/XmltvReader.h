@@ -38,7 +38,12 @@ public:
 /// Reads a guide file, compressed or not, as a stream: memory does not grow with the file. A document type
 /// is passed over, nothing outside of the file is ever loaded, and a reference to an entity stays in a text
 /// as it is written. Throws GuideError when the file cannot be read, is not well-formed XML or is not XMLTV;
-/// what came before has reached the sink then.
-void readXmltv(const std::filesystem::path& path, XmltvSink& sink);
+/// what came before has reached the sink then. `name` is what messages call the file.
+void readXmltv(const std::filesystem::path& path, const std::string& name, XmltvSink& sink);
+
+/// The same for a file that messages call by its path.
+inline void readXmltv(const std::filesystem::path& path, XmltvSink& sink) {
+    readXmltv(path, path.string(), sink);
+}
 
 }  // namespace epgset

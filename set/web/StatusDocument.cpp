@@ -76,6 +76,27 @@ void writeRecording(Json& json, const Recording& recording) {
     json.EndObject();
 }
 
+/// A text that may be missing.
+void optionalMember(Json& json, const char* key, const std::string& text) {
+    if (text.empty()) {
+        json.Key(key);
+        json.Null();
+    } else {
+        member(json, key, text);
+    }
+}
+
+void writeGuide(Json& json, const GuideReport& report) {
+    json.StartObject();
+    member(json, "guide", repairedUtf8(report.name));
+    optionalMember(json, "time", report.time == 0 ? std::string() : timeText(report.time));
+    member(json, "channels", report.channels);
+    member(json, "programs", report.programmes);
+    member(json, "skipped", report.skipped);
+    optionalMember(json, "error", repairedUtf8(report.error));
+    json.EndObject();
+}
+
 }  // namespace
 
 std::string statusDocument(const SetFacts& facts) {
@@ -96,6 +117,11 @@ std::string statusDocument(const SetFacts& facts) {
     member(json, "channels", guide->channels().size());
     member(json, "programs", guide->programmes().size());
     member(json, "programs_dropped", guide->programmesDropped());
+    json.Key("guides");
+    json.StartArray();
+    for (const GuideReport& report : facts.guides ? facts.guides() : std::vector<GuideReport>())
+        writeGuide(json, report);
+    json.EndArray();
     json.EndObject();
     return {text.GetString(), text.GetSize()};
 }

@@ -127,7 +127,7 @@ TEST_F(SetRoutesTest, TellTheStateOfTheSet) {
     EXPECT_EQ(200, response.status);
     EXPECT_EQ("application/json;charset=utf-8", headerValue(response.headers, "Content-Type"));
     EXPECT_EQ(R"({"clock":"2026-08-23T00:00:00+00:00","channel":null,"recordings":[],"pvr":"no-device",)"
-              R"("zone":"Europe/Paris","channels":1,"programs":1,"programs_dropped":7})",
+              R"("zone":"Europe/Paris","channels":1,"programs":1,"programs_dropped":7,"guides":[]})",
               response.body);
     EXPECT_THAT(west.body, HasSubstr("2026-08-22T21:30:00-02:30"));
 }
