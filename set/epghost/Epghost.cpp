@@ -99,7 +99,7 @@ void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket s
         timer.callIn(std::chrono::seconds(0));
         timer.callIn(secondMaintenance);
     };
-    SetRoutes routes(plugin, facts);
+    SetRoutes routes(plugin, facts, PageFiles(shippedPage()));
     const std::string url = socket.url();
     const HttpServer server(std::move(socket), routes);
     std::cout << "listening on " << url << std::endl;
