@@ -23,7 +23,7 @@ void CheckingSink::read(const std::string& file, std::vector<GuideError>& faults
     report_.guides.emplace_back().file = file;
     try {
         readXmltv(file, *this);
-        if (counts().records == 0) warn(here(0), "the guide has no channel and no programme");
+        if (counts().records() == 0) warn(here(0), "the guide has no channel and no programme");
     } catch (const GuideError& fault) {
         faults.push_back(fault);
     }

@@ -61,6 +61,7 @@ struct GuideCounts {
     std::size_t endingBeforeStart = 0;
     std::size_t textsCut = 0;  ///< titles, synopses and names of channels that were too long
 
+    std::size_t records() const { return channels + programmes; }
     std::size_t skippedProgrammes() const { return ofUnknownChannel + withoutStart + endingBeforeStart; }
 };
 

@@ -51,9 +51,7 @@ void placeProgrammes(GuideCollector& collector, const ChannelList& list) {
 }
 
 void warnOfGuide(const std::string& guide, const GuideCounts& counts) {
-    if (counts.channels + counts.programmes == 0) {
-        log().warning("%s: the guide has no channel and no programme", guide);
-    }
+    if (counts.records() == 0) log().warning("%s: the guide has no channel and no programme", guide);
     std::vector<std::string> parts;
     if (counts.skippedProgrammes() > 0) {
         parts.push_back(
