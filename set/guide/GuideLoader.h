@@ -22,6 +22,7 @@ struct GuideInput {
     GuideInput(std::filesystem::path file, std::string called)
         : path(std::move(file)), name(std::move(called)) {}
     /// One that is called by its path.
+    GuideInput(const std::string& file) : GuideInput(file, file) {}
     GuideInput(const std::filesystem::path& file) : GuideInput(file, file.string()) {}
 
     std::filesystem::path path;

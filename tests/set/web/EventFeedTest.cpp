@@ -208,6 +208,7 @@ TEST_F(EventFeedTest, LosesNothingWhileManyPublishAndListen) {
             ASSERT_NE(from, std::string::npos) << "event " << id << " is missing";
         }
         EXPECT_THAT(text, Not(HasSubstr("reset")));
+        EXPECT_THAT(text, EndsWith("{\"path\":\"/last\"}\n\n"));
     }
 }
 
