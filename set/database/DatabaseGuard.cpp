@@ -1,6 +1,7 @@
 #include "set/database/DatabaseGuard.h"
 
 #include <algorithm>
+#include <atomic>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -58,6 +59,8 @@ int refuse(const std::string& what) {
     return SQLITE_DENY;
 }
 
+std::atomic<std::uint64_t> tableCount = 0;
+
 /// SQLite's authorizer: called for each action while a statement is compiled. Its arguments depend on
 /// the action and may be null.
 int authorize(void*, int action, const char* first, const char* second, const char* database, const char*) {
@@ -77,8 +80,10 @@ int authorize(void*, int action, const char* first, const char* second, const ch
         case SQLITE_CREATE_VTABLE:
         case SQLITE_DROP_VTABLE:
             return refuse("virtual table " + shown(first) + " of module " + shown(second));
-        case SQLITE_CREATE_INDEX:
         case SQLITE_CREATE_TABLE:
+            if (compilingText) ++tableCount;
+            [[fallthrough]];
+        case SQLITE_CREATE_INDEX:
         case SQLITE_CREATE_TRIGGER:
         case SQLITE_CREATE_VIEW:
             if (!sameName(database, "temp")) return SQLITE_OK;
@@ -121,6 +126,10 @@ int configure(sqlite3* database) {
 }
 
 }  // namespace
+
+std::uint64_t tablesMade() {
+    return tableCount;
+}
 
 int guardDatabase(sqlite3* database) {
     constexpr sqlite3_int64 heapLimit = 256 * 1024 * 1024;

@@ -3,6 +3,8 @@
 
 #include <sqlite3.h>
 
+#include <cstdint>
+
 namespace epgset {
 
 /// Bounds what the connection's statements may do and answers SQLite's result code:
@@ -14,6 +16,10 @@ namespace epgset {
 ///  - 256 MiB for everything that SQLite holds in the process.
 /// Each refusal is one line of the log. Plain VACUUM works.
 int guardDatabase(sqlite3* database);
+
+/// How many statements that make a table were compiled in this process: the guide's own table each time that
+/// it is filled, and tables of clients.
+std::uint64_t tablesMade();
 
 /// Lives while an SQL text is compiled by this thread, as opposed to what SQLite itself compiles in the
 /// course of a step: VACUUM attaches a database of its own, a statement may not.

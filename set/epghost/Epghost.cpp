@@ -22,6 +22,7 @@
 #include "set/middleware/Television.h"
 #include "set/recorder/PvrState.h"
 #include "set/recorder/Recorder.h"
+#include "set/recorder/StorageSpace.h"
 #include "set/upnp/WebRoot.h"
 #include "set/web/HttpServer.h"
 #include "set/web/ListenSocket.h"
@@ -138,7 +139,12 @@ void runEpghost(const Options& options) {
     PluginHost plugin(library.descriptor());
     warmUp(plugin);
     if (stopIsPending()) return;
-    const SetFacts facts{options.pvr, processZoneName(), [&source] { return source.reports(); }};
+    const auto stateNow = [&, folder = recorderSettings(options, state).folder] {
+        constexpr std::size_t nextEntries = 10;
+        return SetState{source.reports(), recorder.tuners(), recorder.tunersInUse(),
+                        folder.string(),  freeBytes(folder), reminders.nextDue(nextEntries)};
+    };
+    const SetFacts facts{options.pvr, processZoneName(), stateNow};
     serveUntilStopped(plugin, facts, std::move(socket), source, refresh, reminders);
 }
 

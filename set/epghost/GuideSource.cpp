@@ -5,6 +5,7 @@
 #include <string>
 
 #include "set/demo/DemoGuide.h"
+#include "set/metrics/Metrics.h"
 #include "set/middleware/Clock.h"
 
 namespace epgset {
@@ -108,6 +109,7 @@ void GuideSource::reportContents(const LoadedGuide& loaded, std::int64_t now) {
         report.channels = loaded.contents[index].channels;
         report.programmes = loaded.contents[index].programmes;
         report.skipped = loaded.contents[index].skipped;
+        metrics().countGuide(report.programmes - std::min(report.programmes, report.skipped), report.skipped);
     }
 }
 

@@ -35,6 +35,7 @@ void EventRing::publish(std::string_view name, std::string path) {
         const std::lock_guard lock(mutex_);
         if (events_.size() == capacity_) events_.pop_front();
         events_.push_back({++last_, std::string(name), std::move(path)});
+        ++counts_[std::string(name)];
     }
     const std::lock_guard lock(listenerMutex_);
     for (const auto& [number, wake] : listeners_)
@@ -46,6 +47,11 @@ std::optional<std::vector<Event>> EventRing::after(std::uint64_t id) const {
     const std::uint64_t gone = last_ - events_.size();
     if (id < gone || id > last_) return std::nullopt;
     return std::vector<Event>(events_.begin() + static_cast<std::ptrdiff_t>(id - gone), events_.end());
+}
+
+std::map<std::string, std::uint64_t> EventRing::counts() const {
+    const std::lock_guard lock(mutex_);
+    return counts_;
 }
 
 std::uint64_t EventRing::last() const {

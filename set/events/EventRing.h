@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -52,6 +53,9 @@ public:
     /// none that was given.
     std::optional<std::vector<Event>> after(std::uint64_t id) const;
 
+    /// How many events of each name there were since the ring was made.
+    std::map<std::string, std::uint64_t> counts() const;
+
     /// The number of the last event; that before the first while there is none.
     std::uint64_t last() const;
 
@@ -67,6 +71,7 @@ private:
     mutable std::mutex mutex_;
     std::deque<Event> events_;                                      ///< guarded by mutex_
     std::uint64_t last_;                                            ///< guarded by mutex_
+    std::map<std::string, std::uint64_t> counts_;                   ///< guarded by mutex_
     std::vector<std::pair<int, std::function<void()>>> listeners_;  ///< guarded by listenerMutex_
     int lastListener_ = 0;                                          ///< guarded by listenerMutex_
     std::mutex listenerMutex_;

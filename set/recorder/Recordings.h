@@ -1,6 +1,8 @@
 // The recordings that run now.
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -40,6 +42,10 @@ public:
     /// Everything that runs, in the order in which it was started.
     std::vector<Recording> running() const;
 
+    /// Counts bytes that were written to a recording.
+    void countBytes(std::size_t bytes) { bytesRecorded_ += bytes; }
+    std::uint64_t bytesRecorded() const { return bytesRecorded_; }
+
     /// Numbers the recordings from 1 on, in that order, and answers how many there are.
     int number();
 
@@ -54,6 +60,7 @@ private:
         Stop stop;
     };
 
+    std::atomic<std::uint64_t> bytesRecorded_ = 0;
     mutable std::mutex mutex_;
     std::vector<Entry> entries_;           ///< guarded by mutex_
     std::vector<std::uint64_t> numbered_;  ///< guarded by mutex_; handles by number

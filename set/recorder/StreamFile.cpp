@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "set/recorder/FileWriting.h"
+#include "set/recorder/Recordings.h"
 
 namespace epgset {
 
@@ -22,6 +23,7 @@ std::error_code StreamFile::append(std::string_view bytes) {
     std::size_t written = 0;
     const auto error = writeAll(file_.get(), bytes, written);
     bytes_ += written;
+    recordings().countBytes(written);
     return error;
 }
 

@@ -64,6 +64,7 @@ const WebRequest& Exchange::finish() {
     const std::uint64_t told = stated_ ? length : std::min(length, tooLong);
     constexpr std::uint64_t most = std::numeric_limits<std::int64_t>::max();
     request_.bodyLength = static_cast<std::int64_t>(std::min(told, most));
+    request_.whole = Clock::now();
     return request_;
 }
 

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "set/metrics/Metrics.h"
+#include "set/metrics/RequestResource.h"
 #include "set/web/EntityTag.h"
 #include "set/web/FrontPage.h"
 #include "set/web/RequestPath.h"
@@ -34,6 +36,14 @@ WebResponse front(const SetFacts&) {
     return response;
 }
 
+WebResponse metricsText(const SetFacts&) {
+    WebResponse response;
+    setHeader(response.headers, "Content-Type", "text/plain; version=0.0.4; charset=utf-8");
+    setHeader(response.headers, "Cache-Control", "no-store");
+    response.body = metrics().text();
+    return response;
+}
+
 /// A resource of the set itself, which is read with GET or HEAD.
 struct Resource {
     std::string_view path;  ///< its segments, without a leading "/"
@@ -43,6 +53,7 @@ struct Resource {
 constexpr Resource resources[] = {
     {"", front},
     {"set/status", status},
+    {"set/metrics", metricsText},
 };
 
 const Resource* findResource(const std::vector<std::string>& segments) {
@@ -61,6 +72,14 @@ WebResponse onlyRead() {
     return response;
 }
 
+void count(const WebRequest& request, const WebResponse& response) {
+    const bool hasPath = request.path.starts_with('/') && !holdsEncodedNul(request.path);
+    const std::string resource = resourceOf(pathSegments(hasPath ? request.path : "*"));
+    const bool sent = response.status != 304 && request.method != "HEAD";
+    metrics().countAnswer(resource, methodOf(request.method), response.status,
+                          sent ? response.body.size() : 0);
+}
+
 /// The answer to a request that is not let through to anything; nothing for one that is.
 std::optional<WebResponse> refusal(const WebRequest& request) {
     if (holdsEncodedNul(request.path) || holdsEncodedNul(request.query)) {
@@ -75,6 +94,12 @@ SetRoutes::SetRoutes(PluginHost& plugin, SetFacts facts, PageFiles page)
     : plugin_(plugin), facts_(std::move(facts)), page_(std::move(page)) {}
 
 std::optional<WebResponse> SetRoutes::answerAtOnce(const WebRequest& request) {
+    std::optional<WebResponse> response = route(request);
+    if (response) count(request, *response);
+    return response;
+}
+
+std::optional<WebResponse> SetRoutes::route(const WebRequest& request) {
     if (auto refused = refusal(request)) return refused;
     if (pathBelow(request.path, pluginMount)) return std::nullopt;
 
@@ -107,8 +132,14 @@ WebResponse SetRoutes::eventStream(const WebRequest& request) {
 }
 
 WebResponse SetRoutes::answerInTurn(const WebRequest& request) {
+    const auto begun = std::chrono::steady_clock::now();
     WebResponse response = plugin_.answer(request, pathBelow(request.path, pluginMount).value_or(""));
+    const auto answered = std::chrono::steady_clock::now();
     applyEntityTag(request, response);
+    metrics().countTime(RequestStage::Wait, begun - request.whole);
+    metrics().countTime(RequestStage::Plugin, answered - begun);
+    metrics().countTime(RequestStage::Tag, std::chrono::steady_clock::now() - answered);
+    count(request, response);
     return response;
 }
 

@@ -20,6 +20,7 @@ public:
     WebResponse answerInTurn(const WebRequest& request) override;
 
 private:
+    std::optional<WebResponse> route(const WebRequest& request);
     WebResponse eventStream(const WebRequest& request);
 
     PluginHost& plugin_;

@@ -97,6 +97,49 @@ void writeGuide(Json& json, const GuideReport& report) {
     json.EndObject();
 }
 
+const char* kindName(CReminder::RESERVE_TYPE kind) {
+    if (kind == CReminder::RESERVE_VIEW) return "VIEW";
+    return kind == CReminder::RESERVE_SERIES ? "SERIES" : "RECORD";
+}
+
+void writeDue(Json& json, const DueEntry& entry) {
+    json.StartObject();
+    member(json, "schedule_id", scheduleIdText(entry.uid));
+    member(json, "channel", channelIdText(entry.tvMode, entry.major, entry.minor));
+    member(json, "start", timeText(entry.start));
+    member(json, "title", entry.title);
+    member(json, "type", kindName(entry.kind));
+    json.EndObject();
+}
+
+void writeState(Json& json, const SetState& state) {
+    json.Key("guides");
+    json.StartArray();
+    for (const GuideReport& report : state.guides)
+        writeGuide(json, report);
+    json.EndArray();
+    json.Key("tuners");
+    json.StartObject();
+    member(json, "total", static_cast<std::size_t>(state.tuners));
+    member(json, "in_use", static_cast<std::size_t>(state.tunersInUse));
+    json.EndObject();
+    json.Key("storage");
+    json.StartObject();
+    optionalMember(json, "folder", repairedUtf8(state.recordingsFolder));
+    json.Key("free");
+    if (state.freeBytes) {
+        json.Uint64(*state.freeBytes);
+    } else {
+        json.Null();
+    }
+    json.EndObject();
+    json.Key("next");
+    json.StartArray();
+    for (const DueEntry& entry : state.next)
+        writeDue(json, entry);
+    json.EndArray();
+}
+
 }  // namespace
 
 std::string statusDocument(const SetFacts& facts) {
@@ -117,11 +160,7 @@ std::string statusDocument(const SetFacts& facts) {
     member(json, "channels", guide->channels().size());
     member(json, "programs", guide->programmes().size());
     member(json, "programs_dropped", guide->programmesDropped());
-    json.Key("guides");
-    json.StartArray();
-    for (const GuideReport& report : facts.guides ? facts.guides() : std::vector<GuideReport>())
-        writeGuide(json, report);
-    json.EndArray();
+    writeState(json, facts.state());
     json.EndObject();
     return {text.GetString(), text.GetSize()};
 }

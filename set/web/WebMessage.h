@@ -1,6 +1,7 @@
 // One HTTP request and one HTTP response as plain data.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -37,6 +38,8 @@ struct WebRequest {
     /// Length of the body in bytes. Above maximumRequestBody: the length that the client stated, or a
     /// length that is just too long when it stated none.
     std::int64_t bodyLength = 0;
+
+    std::chrono::steady_clock::time_point whole = {};  ///< when the last of it had come
 };
 
 /// One response.

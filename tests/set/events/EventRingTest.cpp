@@ -73,6 +73,13 @@ TEST(EventRing, WakesItsListenersAfterEachEventUntilTheyGo) {
     EXPECT_EQ(woken, 2);
 }
 
+TEST(EventRing, CountsEventsByName) {
+    EventRing ring(1);
+    for (const char* name : {"one", "two", "one"})
+        ring.publish(name, "/");
+    EXPECT_THAT(ring.counts(), ElementsAre(testing::Pair("one", 2U), testing::Pair("two", 1U)));
+}
+
 TEST(EventPath, NamesTheResourceOfTheService) {
     EXPECT_EQ(channelPath(3, 7, 0), "/ws/epg2/channels/cid-003-7");
     EXPECT_EQ(schedulePath(17), "/ws/epg2/schedules/sch_id_17");

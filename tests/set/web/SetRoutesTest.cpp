@@ -127,9 +127,47 @@ TEST_F(SetRoutesTest, TellTheStateOfTheSet) {
     EXPECT_EQ(200, response.status);
     EXPECT_EQ("application/json;charset=utf-8", headerValue(response.headers, "Content-Type"));
     EXPECT_EQ(R"({"clock":"2026-08-23T00:00:00+00:00","channel":null,"recordings":[],"pvr":"no-device",)"
-              R"("zone":"Europe/Paris","channels":1,"programs":1,"programs_dropped":7,"guides":[]})",
+              R"("zone":"Europe/Paris","channels":1,"programs":1,"programs_dropped":7,"guides":[],)"
+              R"("tuners":{"total":0,"in_use":0},"storage":{"folder":null,"free":null},"next":[]})",
               response.body);
     EXPECT_THAT(west.body, HasSubstr("2026-08-22T21:30:00-02:30"));
+}
+
+TEST_F(SetRoutesTest, TellWhatTheSetsPartsKnow) {
+    ManualClock clock(1787443200);  // 2026-08-23T00:00:00Z
+    useClock(&clock);
+    SetState state;
+    state.guides = {{"tv.xml", 1787443200, 3, 40, 2, ""}, {"http://x/", 0, 0, 0, 0, "http://x/: \"gone\""}};
+    state.tuners = 2;
+    state.tunersInUse = 1;
+    state.recordingsFolder = "/disk";
+    state.freeBytes = 5000000000;
+    state.next = {{17, 1787446800, 3, 7, 2, "News", CReminder::RESERVE_SERIES},
+                  {18, 1787450400, 3, 7, 0, "", CReminder::RESERVE_VIEW}};
+    const std::string text = statusDocument({"on", "UTC", [&state] { return state; }});
+    useClock(nullptr);
+    EXPECT_THAT(
+        text,
+        HasSubstr(
+            R"("guides":[{"guide":"tv.xml","time":"2026-08-23T00:00:00+00:00","channels":3,"programs":40,)"
+            R"("skipped":2,"error":null},{"guide":"http://x/","time":null,"channels":0,"programs":0,)"
+            R"("skipped":0,"error":"http://x/: \"gone\""}],"tuners":{"total":2,"in_use":1},)"
+            R"("storage":{"folder":"/disk","free":5000000000},"next":[)"
+            R"({"schedule_id":"sch_id_17","channel":"cid-003-7-2","start":"2026-08-23T01:00:00+00:00",)"
+            R"("title":"News","type":"SERIES"},)"
+            R"({"schedule_id":"sch_id_18","channel":"cid-003-7","start":"2026-08-23T02:00:00+00:00",)"
+            R"("title":"","type":"VIEW"}]})"));
+}
+
+TEST_F(SetRoutesTest, CountWhatTheyAnswer) {
+    request("GET", "/ws/status/200");
+    request("GET", "/no/such/resource");
+    const WebResponse response = request("GET", "/set/metrics");
+    EXPECT_EQ("text/plain; version=0.0.4; charset=utf-8", headerValue(response.headers, "Content-Type"));
+    EXPECT_THAT(response.body, HasSubstr(R"({method="GET",resource="other",status="404"})"));
+    EXPECT_THAT(response.body, HasSubstr(R"(epghost_request_seconds_total{stage="plugin"})"));
+    EXPECT_THAT(response.body, HasSubstr("epghost_tables_made_total "));
+    EXPECT_EQ(405, request("POST", "/set/metrics").status);
 }
 
 TEST_F(SetRoutesTest, TellTheChannelThatIsTunedTo) {
