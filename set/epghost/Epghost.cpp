@@ -14,6 +14,7 @@
 #include "set/epghost/PluginFile.h"
 #include "set/epghost/ProcessZone.h"
 #include "set/epghost/Reminders.h"
+#include "set/epghost/ServiceManager.h"
 #include "set/epghost/Signals.h"
 #include "set/epghost/StateFolder.h"
 #include "set/events/EventRing.h"
@@ -104,11 +105,13 @@ void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket s
     const std::string url = socket.url();
     const HttpServer server(std::move(socket), routes);
     std::cout << "listening on " << url << std::endl;
+    tellServiceManager(ServiceState::Ready);
     for (;;) {
         const Command command = waitForCommand(refresh.check(putInUse));
-        if (command == Command::Stop) return;
+        if (command == Command::Stop) break;
         if (command == Command::Reload) refresh.ask();
     }
+    tellServiceManager(ServiceState::Stopping);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "host/Logger.h"
+#include "set/epghost/ServiceManager.h"
 #include "set/middleware/Clock.h"
 
 namespace epgset {
@@ -30,11 +31,13 @@ std::chrono::milliseconds GuideRefresh::check(
         } else {
             Container::Logger::logger("set/epghost").error("the guide stays as it was: %s", loaded->error);
         }
+        tellServiceManager(ServiceState::Ready);
     }
     if (reload_.running()) return loadCheckPeriod;
     if (watch_.changed() || source_.loadAgainBy() - clock().now() <= margin.count()) load_ = true;
     if (std::chrono::steady_clock::now() >= source_.fetchAgainAt()) ask();
     if (!load_) return GuideWatch::period;
+    tellServiceManager(ServiceState::Reloading);
     watch_.markKnown();
     reload_.begin(askServers_);
     load_ = askServers_ = false;

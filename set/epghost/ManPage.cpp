@@ -71,6 +71,9 @@ address is of no use, which one line on standard error tells.
 .TP
 .B TZ
 The zone of repeating entries and of \fB\-\-zone local\fR.
+.TP
+.B NOTIFY_SOCKET
+Where the set tells the service manager that it is ready, reads its guides again or stops.
 )";
 
 }  // namespace
