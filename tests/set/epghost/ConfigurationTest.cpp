@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -65,6 +68,21 @@ TEST_F(ConfigurationTest, KnowsEveryOption) {
         EXPECT_EQ(&option, options[0].option);
         EXPECT_THAT(options[0].values, ElementsAre(number ? "5" : "text"));
     }
+}
+
+TEST_F(ConfigurationTest, ComesWithThePackageWithEveryOptionInIt) {
+    std::ifstream shipped(EPG_SHIPPED_CONFIGURATION);
+    const std::string text{std::istreambuf_iterator<char>(shipped), {}};
+    EXPECT_THAT(read(text), testing::SizeIs(4));  // those that the package has its own mind of
+    // "# OPTION = VALUE" states a default.
+    const std::string all = std::regex_replace(text, std::regex("\n# ([a-z-]+ = )"), "\n$1");
+    std::vector<const OptionEntry*> named;
+    for (const ConfiguredOption& configured : read(all))
+        named.push_back(configured.option);
+    std::vector<const OptionEntry*> known;
+    for (const OptionEntry& option : optionTable())
+        known.push_back(&option);
+    EXPECT_THAT(named, testing::UnorderedElementsAreArray(known));
 }
 
 TEST_F(ConfigurationTest, MayBeEmpty) {
