@@ -62,8 +62,9 @@ listen = "0.0.0.0"
 port = 8080
 .EE
 .SH SIGNALS
-SIGTERM and SIGINT stop the set. SIGHUP has it read the guides and the line-up again; where one of them is bad, that
-is logged and the old ones stay in use. The configuration file is read at the start alone.
+SIGTERM and SIGINT stop the set. SIGHUP has it read the guides and the line-up again, which it also does when their
+files change; where one of them is bad, that is logged and the old ones stay in use. The configuration file is read at
+the start alone.
 .SH "EXIT STATUS"
 0 after a stop that was asked for, and when a command did what it is for; 2 when an option, a file, a folder or the
 address is of no use, which one line on standard error tells.

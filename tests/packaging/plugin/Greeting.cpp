@@ -37,7 +37,7 @@ const PluginDescriptor descriptor = {1, 0, 0, 0, answer, 0, period, 0, 0, mainta
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) int pluginMainEntry(std::uintptr_t /*context*/,
-                                                                     const PluginDescriptor** out) {
+                                                                      const PluginDescriptor** out) {
     *out = &descriptor;
     return 0;
 }
