@@ -217,7 +217,7 @@ TEST_F(ConfigurationFile, IsRefusedWithTheLineOfABadValue) {
         {"now = \"yesterday\"", "now: \"yesterday\""},
         {"lineup = \"\"", "lineup: "},
         {"web-root = \"/nowhere\"", "web-root: /nowhere is no folder"},
-        {"guide = \"http://127.0.0.1/g.xml\"", "guide: http://127.0.0.1/g.xml"},
+        {"guide = [\"g.xml\", \"\"]", "guide: a text is missing"},
         {"colour = \"red\"", "unknown option: \"colour\""},
         {"zone = 1", "zone must be a text"},
     };

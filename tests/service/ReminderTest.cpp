@@ -122,7 +122,7 @@ TEST_F(ReminderService, FindsTheProgrammeOfASeriesAgainAtAReload) {
     HttpClient client(process.waitUntilReady());
     folder_.write("guide.xml", guideWithSoapAt({3, 5}));
     process.signal(SIGHUP);
-    while (client.get("/set/status").body.find(R"("programs":2,)") == std::string::npos)
+    while (client.get("/set/status").body.find(R"("programs":2,"programs_dropped")") == std::string::npos)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(0, process.stop());
     ASSERT_THAT(reminders(), SizeIs(1));
