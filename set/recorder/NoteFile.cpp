@@ -47,24 +47,24 @@ NoteFile::NoteFile(std::filesystem::path path, std::string_view text, std::error
     : path_(std::move(path)) {
     const FileDescriptor file = createFile(path_, O_EXCL);
     error = writeAndSync(file, text);
-    if (!error) {
-        keepRoom(text.size() + roomToGrow);
-    } else if (file) {
-        ::unlink(path_.c_str());
-    }
+    if (!error) error = keepRoom(text.size() + roomToGrow);
+    if (error && file) ::unlink(path_.c_str());
 }
 
 NoteFile::~NoteFile() {
     if (spare_) ::unlink(beside(path_, spareExtension).c_str());
 }
 
-void NoteFile::keepRoom(std::size_t bytes) {
+std::error_code NoteFile::keepRoom(std::size_t bytes) {
     const auto path = beside(path_, spareExtension);
     spare_ = createFile(path, O_TRUNC);
-    if (spare_ && ::posix_fallocate(spare_.get(), 0, static_cast<off_t>(bytes)) != 0) {
-        ::unlink(path.c_str());
-        spare_.close();
-    }
+    if (!spare_) return systemError();
+    const int failure = ::posix_fallocate(spare_.get(), 0, static_cast<off_t>(bytes));
+    if (failure == 0) return {};
+    ::unlink(path.c_str());
+    spare_.close();
+    const std::error_code error(failure, std::generic_category());
+    return isFull(error) ? error : std::error_code();
 }
 
 std::error_code NoteFile::replace(std::string_view text) {

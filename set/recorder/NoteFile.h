@@ -19,7 +19,8 @@ public:
     static constexpr const char* spareExtension = ".new";
     static constexpr const char* replacementExtension = ".tmp";
 
-    /// Writes the first note into a file that must not exist. On an error there is none.
+    /// Writes the first note into a file that must not exist. On an error, which a disk without room for the
+    /// last note is too, there is none.
     NoteFile(std::filesystem::path path, std::string_view text, std::error_code& error);
     NoteFile(NoteFile&&) = default;
     NoteFile& operator=(NoteFile&&) = delete;
@@ -34,10 +35,10 @@ public:
     const std::filesystem::path& path() const { return path_; }
 
 private:
-    void keepRoom(std::size_t bytes);
+    std::error_code keepRoom(std::size_t bytes);
 
     std::filesystem::path path_;
-    FileDescriptor spare_;  ///< none where there was no room to keep, and after the end
+    FileDescriptor spare_;  ///< none where the file system keeps no room, and after the end
 };
 
 /// Replaces a file by one with that content, by way of a second file beside it.

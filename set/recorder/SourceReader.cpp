@@ -37,8 +37,11 @@ struct FreeText {
     void operator()(char* text) const { curl_free(text); }
 };
 
+/// Whether a text begins with the name of a protocol; else it is a path.
 bool isUrl(const std::string& source) {
-    return source.find("://") != std::string::npos;
+    const std::size_t colon = source.find(':');
+    if (colon == std::string::npos || source.find('/') < colon) return false;
+    return source.compare(colon, 3, "://") == 0 || strncasecmp(source.c_str(), "file:", 5) == 0;
 }
 
 /// Null when the text is no URL.

@@ -52,17 +52,24 @@ void copyStream(std::uint64_t position, char* out, std::size_t count) {
 
 class StreamServer::Server {
 public:
-    Server() {
+    /// Null: without TLS.
+    explicit Server(const Certificate* certificate) {
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        daemon_ =
-            MHD_start_daemon(MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_THREAD_PER_CONNECTION, 0, nullptr,
-                             nullptr, &Server::answer, this, MHD_OPTION_SOCK_ADDR, &address, MHD_OPTION_END);
+        constexpr unsigned flags = MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_THREAD_PER_CONNECTION;
+        daemon_ = certificate == nullptr
+                      ? MHD_start_daemon(flags, 0, nullptr, nullptr, &Server::answer, this,
+                                         MHD_OPTION_SOCK_ADDR, &address, MHD_OPTION_END)
+                      : MHD_start_daemon(flags | MHD_USE_TLS, 0, nullptr, nullptr, &Server::answer, this,
+                                         MHD_OPTION_SOCK_ADDR, &address, MHD_OPTION_HTTPS_MEM_KEY,
+                                         certificate->key.c_str(), MHD_OPTION_HTTPS_MEM_CERT,
+                                         certificate->certificate.c_str(), MHD_OPTION_END);
         if (daemon_ == nullptr) throw std::runtime_error("the stream server cannot be started");
         const MHD_DaemonInfo* const info = MHD_get_daemon_info(daemon_, MHD_DAEMON_INFO_BIND_PORT);
         if (info == nullptr) throw std::runtime_error("the stream server has no port");
-        address_ = "http://127.0.0.1:" + std::to_string(info->port);
+        address_ = std::string(certificate == nullptr ? "http" : "https") +
+                   "://127.0.0.1:" + std::to_string(info->port);
     }
     ~Server() {
         stopping = true;
@@ -109,8 +116,7 @@ private:
         if (path == "/file.ts") return sendFile(connection);
         if (path == "/once") return sendAway(connection, address_ + "/live.ts");
         if (path == "/round") return sendAway(connection, address_ + "/round");
-        const std::lock_guard lock(mutex);
-        return path == "/elsewhere" ? sendAway(connection, elsewhere) : sendText(connection, 404);
+        return path == "/elsewhere" ? sendAway(connection, addressElsewhere()) : sendText(connection, 404);
     }
 
     static MHD_Result queue(MHD_Connection* connection, unsigned status, MHD_Response* response) {
@@ -137,9 +143,19 @@ private:
                      MHD_create_response_from_buffer(text.size(), text.data(), MHD_RESPMEM_MUST_COPY));
     }
 
-    MHD_Result sendStream(MHD_Connection* connection) {
+    std::string addressElsewhere() const {
         const std::lock_guard lock(mutex);
-        Run& run = runs.emplace_back(Run{furthest + 1, 0});
+        return elsewhere;
+    }
+
+    Run& beginRun() {
+        const std::lock_guard lock(mutex);
+        return runs.emplace_back(Run{furthest + 1, 0});
+    }
+
+    // The library has a lock of its own, so that none is held when it is called.
+    MHD_Result sendStream(MHD_Connection* connection) {
+        Run& run = beginRun();
         constexpr std::size_t block = 8192;
         return queue(connection, 200,
                      MHD_create_response_from_callback(
@@ -181,7 +197,10 @@ private:
     std::string address_;
 };
 
-StreamServer::StreamServer() : server_(std::make_unique<Server>()) {}
+StreamServer::StreamServer() : server_(std::make_unique<Server>(nullptr)) {}
+
+StreamServer::StreamServer(const Certificate& certificate)
+    : server_(std::make_unique<Server>(&certificate)) {}
 
 StreamServer::~StreamServer() = default;
 

@@ -27,7 +27,16 @@ public:
     static constexpr std::size_t packetBytes = 188;
     static constexpr std::size_t filePackets = 1000;
 
+    /// What a server shows that its clients can trust: PEM texts.
+    struct Certificate {
+        std::string key;
+        std::string certificate;
+    };
+
     StreamServer();
+
+    /// Serves HTTPS.
+    explicit StreamServer(const Certificate& certificate);
     ~StreamServer();
     StreamServer(const StreamServer&) = delete;
     StreamServer& operator=(const StreamServer&) = delete;

@@ -21,9 +21,6 @@ protected:
     void limitRoom() {
         disk_.emplace(settings_.folder, room);
         if (!disk_->mounted()) settings_.maximumBytes = room;
-        std::cout << "the full disk is " << (disk_->mounted() ? "a tmpfs" : "a bound to the recordings")
-                  << " of " << room << " bytes\n";
-        RecordProperty("full_disk", disk_->mounted() ? "tmpfs" : "quota");
     }
 
     std::string reasonOfFull() const {
@@ -36,6 +33,9 @@ protected:
 
 TEST_F(RecorderDiskTest, EndsWhenTheDiskIsFull) {
     limitRoom();
+    std::cout << "figure: the full disk of the tests is "
+              << (disk_->mounted() ? "a tmpfs" : "a bound to the recordings (--recordings-max)") << " of "
+              << room << " bytes\n";
     ASSERT_TRUE(recorder().begin(order(17, server_.url())));
     ASSERT_TRUE(isOver(17));
     const Note told(note(17));
@@ -54,8 +54,10 @@ TEST_F(RecorderDiskTest, EndsWhenTheDiskIsFull) {
 TEST_F(RecorderDiskTest, TellsOfEachRecordingThatAFullDiskEnds) {
     limitRoom();
     settings_.tuners = 4;
+    server_.keepSilent(true);  // until all have begun
     for (const unsigned long uid : {1UL, 2UL, 3UL, 4UL})
         ASSERT_TRUE(recorder().begin(order(uid, server_.url())));
+    server_.keepSilent(false);
     for (const unsigned long uid : {1UL, 2UL, 3UL, 4UL}) {
         ASSERT_TRUE(isOver(uid)) << uid;
         EXPECT_EQ(Note(note(uid)).reason(), reasonOfFull());

@@ -61,8 +61,8 @@ TEST_F(RecorderLongTest, HoldsEveryByteOfASourceThatDropsEverySevenSeconds) {
     EXPECT_TRUE(holdsWhatWasSent(stream(17), runs));
     EXPECT_GE(runs.size(), 20U);  // some seventy, fewer on a slow machine
     EXPECT_GE(told.number("breaks") + 1, runs.size());
-    std::cout << "ten minutes of a stream that drops every 7 s: " << runs.size() << " connections, " << sent
-              << " bytes sent, " << told.number("bytes") << " in the file, all in order\n";
+    std::cout << "figure: ten minutes of a stream that drops every 7 s: " << runs.size() << " connections, "
+              << sent << " bytes sent, " << told.number("bytes") << " in the file, all in order\n";
 }
 
 }  // namespace

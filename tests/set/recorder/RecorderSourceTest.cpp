@@ -1,6 +1,8 @@
 // What a recording makes of its source.
 #include <sys/stat.h>
 
+#include <cstdlib>
+
 #include "set/recorder/Recorder.h"
 #include "tests/set/recorder/RecorderFixture.h"
 
@@ -151,6 +153,22 @@ TEST_F(RecorderSourceTest, IsNotSentToAFileByASource) {
     EXPECT_EQ(endOf(17).number("bytes"), 0U);
 }
 
+TEST_F(RecorderSourceTest, TrustsNoServerThatNobodyVouchesFor) {
+    const std::string key = (temporary_.path() / "key.pem").string();
+    const std::string certificate = (temporary_.path() / "certificate.pem").string();
+    const std::string command =
+        "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 1 -subj "
+        "/CN=127.0.0.1 -addext "
+        "subjectAltName=IP:127.0.0.1 -keyout " +
+        key + " -out " + certificate + " >/dev/null 2>&1";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const StreamServer server({contentOf(key), contentOf(certificate)});
+    ASSERT_TRUE(recorder().begin(order(17, server.url())));
+    ASSERT_TRUE(eventually([this] { return !Note(note(17)).text("latest_trouble").empty(); }));
+    EXPECT_THAT(Note(note(17)).text("latest_trouble"), HasSubstr("certificate"));
+    EXPECT_EQ(endOf(17).number("bytes"), 0U);
+}
+
 TEST_F(RecorderSourceTest, TakesNoTextForPeopleAsAStream) {
     server_.refuseWith(300);
     ASSERT_TRUE(recorder().begin(order(17, server_.url())));
@@ -173,7 +191,7 @@ TEST_F(RecorderSourceTest, ReadsAFileToItsEnd) {
     ASSERT_TRUE(reaches(17, "ended"));
     EXPECT_EQ(Note(note(17)).reason(), "the source ended");
     EXPECT_EQ(contentOf(stream(17)), wholeFile());
-    ASSERT_TRUE(recorder().begin(order(18, "file://" + temporary_.write("two.ts", wholeFile()).string())));
+    ASSERT_TRUE(recorder().begin(order(18, "FILE:" + temporary_.write("two.ts", wholeFile()).string())));
     ASSERT_TRUE(reaches(18, "ended"));
     EXPECT_EQ(contentOf(stream(18)), wholeFile());
 }
