@@ -23,12 +23,18 @@ export interface RowContent {
     byHand: readonly Entry[]; ///< this channel's entries without a programme
 }
 
+/// A programme's block, and what it was painted from.
+interface Block {
+    element: HTMLElement;
+    painted: string;
+}
+
 export class Row {
     readonly element: HTMLElement;
     readonly channel: Channel;
     readonly index: number;
     readonly #geometry: Geometry;
-    readonly #cells = new Map<string, HTMLElement>();
+    readonly #blocks = new Map<string, Block>();
     #programmes: readonly Programme[] = [];
     readonly #marks: HTMLElement;
     readonly #gap: HTMLElement;
@@ -59,22 +65,22 @@ export class Row {
     /// The block of a programme; for null the place that tells of none.
     cell(programmeId: string | null): HTMLElement | undefined {
         if (programmeId === null) return this.#gap.isConnected ? this.#gap : undefined;
-        return this.#cells.get(programmeId);
+        return this.#blocks.get(programmeId)?.element;
     }
 
     show(content: RowContent): void {
         const shown = new Set(content.programmes.map((programme) => programme.id));
-        for (const [id, cell] of this.#cells) {
-            if (shown.has(id) || cell === document.activeElement) continue;
-            cell.remove();
-            this.#cells.delete(id);
+        for (const [id, { element }] of this.#blocks) {
+            if (shown.has(id) || element === document.activeElement) continue;
+            element.remove();
+            this.#blocks.delete(id);
         }
         let before: Element = this.#marks;
         for (const programme of content.programmes) {
-            const cell = this.#cells.get(programme.id) ?? this.#make(programme);
-            this.#paint(cell, programme, content);
-            if (before.nextElementSibling !== cell) before.after(cell);
-            before = cell;
+            const block = this.#blocks.get(programme.id) ?? this.#make(programme);
+            this.#paint(block, programme, content);
+            if (before.nextElementSibling !== block.element) before.after(block.element);
+            before = block.element;
         }
         this.#programmes = content.programmes;
         this.#showGap(content);
@@ -88,27 +94,29 @@ export class Row {
         const edge = xOf(this.#geometry, view);
         for (const programme of this.#programmes) {
             const left = Math.max(0, xOf(this.#geometry, programme.start));
-            const text = this.#cells.get(programme.id)?.firstElementChild as HTMLElement | null | undefined;
+            const text = this.#blocks.get(programme.id)?.element.firstElementChild as HTMLElement | null | undefined;
             if (!text) continue;
             const moved = Math.max(0, edge - left);
             const space = xOf(this.#geometry, programme.end) - left - moved;
             text.style.marginLeft = moved > 0 ? `${moved}px` : "";
-            text.style.visibility = moved > 0 && space < textWidth ? "hidden" : "";
+            text.style.opacity = moved > 0 && space < textWidth ? "0" : "";
         }
     }
 
-    #make(programme: Programme): HTMLElement {
-        const cell = el("div", { class: "cell", role: "gridcell", tabindex: -1, "data-programme": programme.id });
-        this.#cells.set(programme.id, cell);
-        return cell;
+    #make(programme: Programme): Block {
+        const element = el("div", { class: "cell", role: "gridcell", tabindex: -1, "data-programme": programme.id });
+        const block = { element, painted: "" };
+        this.#blocks.set(programme.id, block);
+        return block;
     }
 
-    #paint(cell: HTMLElement, programme: Programme, content: RowContent): void {
+    #paint(block: Block, programme: Programme, content: RowContent): void {
+        const cell = block.element;
         const entry = content.entries.get(programme.id);
         const phase = programme.end <= content.now ? "past" : programme.start <= content.now ? "now" : "next";
-        const version = [programme.title, programme.start, programme.end, phase, entry?.state, entry?.series].join("|");
-        if (cell.dataset["version"] === version) return;
-        cell.dataset["version"] = version;
+        const painted = [programme.title, programme.start, programme.end, phase, entry?.state, entry?.series].join("|");
+        if (block.painted === painted) return;
+        block.painted = painted;
         const left = Math.max(0, xOf(this.#geometry, programme.start));
         const right = Math.min(xOf(this.#geometry, this.#geometry.end), xOf(this.#geometry, programme.end));
         const width = Math.max(right - left, 3);
@@ -116,10 +124,8 @@ export class Row {
         cell.style.width = `${width}px`;
         const narrow = width < timeWidth ? ["narrow"] : [];
         cell.className = ["cell", phase, ...narrow, ...(entry ? ["booked", entry.state.toLowerCase()] : [])].join(" ");
-        const times = `${setZone().clock(programme.start)} to ${setZone().clock(programme.end)}`;
-        cell.setAttribute("aria-label", [programme.title || "Untitled", times, ...spoken(phase, entry)].join(", "));
-        cell.title = `${programme.title}\n${times}`;
-        cell.replaceChildren(...(width < textWidth ? [] : [label(programme, entry)]));
+        cell.title = `${programme.title}\n${setZone().clock(programme.start)} to ${setZone().clock(programme.end)}`;
+        cell.replaceChildren(label(programme, phase, entry, width < textWidth));
     }
 
     #showGap(content: RowContent): void {
@@ -150,12 +156,16 @@ export class Row {
     }
 }
 
-function label(programme: Programme, entry: Entry | undefined): HTMLElement {
+/// What a block says; the part that its width leaves no room for, to screen readers alone.
+function label(programme: Programme, phase: string, entry: Entry | undefined, unseen: boolean): HTMLElement {
+    const rest = [` to ${setZone().clock(programme.end)}`, ...spoken(phase, entry)].join(", ");
     return el(
         "div",
-        { class: "label" },
+        { class: unseen ? "label visually-hidden" : "label" },
         el("span", { class: "title" }, entry && entryIcon(entry), programme.title || "Untitled"),
+        el("span", { class: "visually-hidden" }, ", "),
         el("span", { class: "times" }, setZone().clock(programme.start)),
+        el("span", { class: "visually-hidden" }, rest),
     );
 }
 

@@ -95,8 +95,9 @@ export class Toolbar {
             const click = () => this.#goToDay(midnight);
             return el(
                 "button",
-                { type: "button", class: "day", "data-midnight": midnight, "aria-label": zone.longDay(midnight), onclick: click },
+                { type: "button", class: "day", "data-midnight": midnight, onclick: click },
                 number === 0 ? "Today" : zone.shortDay(midnight),
+                el("span", { class: "visually-hidden" }, number === 0 ? `, ${zone.longDay(midnight)}` : ` ${zone.month(midnight)}`),
             );
         });
         this.#days.replaceChildren(...buttons);

@@ -189,6 +189,7 @@ function showOutcome(result: Booked, wished: Wish): void {
             conflictBox(result.entries, {
                 replace: () => void attempt((again) => bookInPlaceOf(again, result.entries), wished),
                 keep: () => {
+                    busy = false;
                     showActions();
                     actions.querySelector("button")?.focus();
                 },

@@ -135,6 +135,7 @@ function showEntries(list: HTMLElement, attempt: Attempt, say: (text: string, ba
 function entryItem(entry: Entry, attempt: Attempt, say: (text: string, bad?: boolean) => void): HTMLElement {
     const title = entryTitle(entry);
     const running = entry.state === "RECORDING";
+    const when = `${dayText(entry.start)} ${setZone().clock(entry.start)}`;
     const open = () =>
         void openProgrammeById(entry.programmeId).then(
             (found) => !found && say("The guide has this programme no more.", true),
@@ -169,7 +170,7 @@ function entryItem(entry: Entry, attempt: Attempt, say: (text: string, bad?: boo
         ),
         el(
             "button",
-            { type: "button", class: "button", "aria-label": `${running ? "Stop" : "Cancel"} ${title}`, onclick: remove },
+            { type: "button", class: "button", "aria-label": `${running ? "Stop" : "Cancel"} ${title}, ${when}`, onclick: remove },
             icon(running ? "stop" : "trash"),
             el("span", {}, running ? "Stop" : "Cancel"),
         ),

@@ -73,6 +73,11 @@ export class Zone {
         return this.#format(time, { weekday: "short", day: "numeric" });
     }
 
+    /// August
+    month(time: number): string {
+        return this.#format(time, { month: "long" });
+    }
+
     /// Sunday 23 August
     longDay(time: number): string {
         return this.#format(time, { weekday: "long", day: "numeric", month: "long" });

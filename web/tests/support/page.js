@@ -8,6 +8,8 @@ export const phone = { width: 390, height: 844 };
 export const large = { width: 2560, height: 1440 };
 
 const screenshots = process.env["SCREENSHOTS"] ?? "../build/web/screenshots";
+/// How long a test waits for what it expects, in milliseconds: machines under load are slow.
+const patience = 15_000;
 const executablePath = process.env["CHROMIUM"] ?? "/usr/bin/chromium";
 
 export async function launch() {
@@ -29,6 +31,7 @@ export async function openPage(browser, url, { size = desktop, colours = "light"
         reducedMotion: calm ? "reduce" : "no-preference",
         locale: "en-GB",
     });
+    context.setDefaultTimeout(patience);
     const page = await context.newPage();
     /** @type {string[]} */
     const complaints = [];

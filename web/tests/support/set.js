@@ -10,6 +10,13 @@ export const startTime = "2026-08-23T12:10:00Z";
 const program = process.env["EPGHOST"];
 const readyWithin = 30_000;
 
+/// Sets that a test that failed has left running: they end with the tests.
+/** @type {Set<import("node:child_process").ChildProcess>} */
+const running = new Set();
+process.on("exit", () => {
+    for (const child of running) child.kill("SIGKILL");
+});
+
 export class TestSet {
     /** @type {import("node:child_process").ChildProcess} */
     #process;
@@ -43,6 +50,8 @@ export class TestSet {
             ["--port", "0", "--state", join(folder, "state"), "--log-level", "off", ...now, ...given],
             { env: { ...process.env, TZ: zone }, stdio: ["ignore", "pipe", "inherit"] },
         );
+        running.add(child);
+        child.once("exit", () => running.delete(child));
         const url = await new Promise((resolve, reject) => {
             const timer = setTimeout(() => reject(new Error("epghost does not listen")), readyWithin);
             let said = "";
@@ -55,6 +64,8 @@ export class TestSet {
             });
             child.once("exit", (code) => reject(new Error(`epghost ended with ${code}`)));
         });
+        child.unref();
+        /** @type {import("node:net").Socket} */ (child.stdout).unref();
         return new TestSet(child, folder, url);
     }
 
@@ -108,6 +119,7 @@ export class TestSet {
     }
 
     async stop() {
+        this.#process.ref();
         const ended = new Promise((resolve) => this.#process.once("exit", resolve));
         this.#process.kill("SIGTERM");
         await ended;
