@@ -32,9 +32,8 @@ export async function start(): Promise<void> {
         listening(yes) {
             if (told === yes) return;
             told = yes;
-            // What happened while nobody listened is not told again.
-            if (yes) void refresh();
-            else schedule();
+            // What happened while nobody listened is not told again; and a set that is gone tells nothing.
+            void refresh();
         },
     });
     document.addEventListener("visibilitychange", () => {

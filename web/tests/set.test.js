@@ -1,8 +1,9 @@
 // What the page tells of the set.
 import assert from "node:assert/strict";
 import { after, before, describe, it } from "node:test";
-import { launch, openPage } from "./support/page.js";
-import { TestSet } from "./support/set.js";
+import { numberedGuide } from "./support/guide.js";
+import { launch, openPage, screenshot } from "./support/page.js";
+import { TestSet, startTime } from "./support/set.js";
 
 /** @type {import("playwright-core").Browser} */
 let browser;
@@ -57,23 +58,38 @@ describe("the set's page", () => {
             }));
     }
 
-    it("lists how its guides were read, where the set tells", async () => {
+    it("lists how its guides were read, with what went wrong", async () => {
+        const set = await TestSet.start({
+            options: ["--guide", "FOLDER/good.xml", "--guide", "FOLDER/bad.xml"],
+            files: {
+                "good.xml": numberedGuide({ channels: 3, start: startTime, hours: 10, minutes: 30 }),
+                "bad.xml": "<tv></tv>",
+            },
+        });
+        await set.write("bad.xml", "<tv>\n<channel>\n");
+        set.signal("SIGHUP");
+        const open = await openPage(browser, set.url, { hash: "#/set" });
+        const rows = open.page.getByRole("region", { name: "How the guides were read" }).getByRole("row");
+        const good = rows.filter({ hasText: "good.xml" });
+        await good.getByRole("cell", { name: "60", exact: true }).waitFor();
+        await good.getByText("Sun 23, 14:10").waitFor();
+        await good.getByText("Read", { exact: true }).waitFor();
+        await rows.filter({ hasText: "bad.xml" }).locator(".outcome.bad").getByText(/bad\.xml/).waitFor();
+        await screenshot(open.page, "desktop-light-set-with-error");
+        await open.close();
+        await set.stop();
+    });
+
+    it("does without what an older set does not tell", async () => {
         const set = await TestSet.start();
         const open = await openPage(browser, set.url, { hash: "#/sql" });
         await open.page.route("**/set/status", async (route) => {
-            const status = await (await route.fetch()).json();
-            status.guides = [
-                { guide: "good.xml", time: "2026-08-23T12:00:00+00:00", channels: 3, programs: 1200, skipped: 4, error: null },
-                { guide: "bad.xml", time: "2026-08-23T12:05:00+00:00", channels: 0, programs: 0, skipped: 0, error: "line 7: not well-formed" },
-            ];
-            await route.fulfill({ json: status });
+            const { guides, ...rest } = await (await route.fetch()).json();
+            await route.fulfill({ json: rest });
         });
         await open.page.reload();
-        await open.page.getByRole("link", { name: "Set" }).click();
-        const rows = open.page.getByRole("region", { name: "How the guides were read" }).getByRole("row");
-        await rows.nth(1).getByText("1,200").waitFor();
-        await rows.nth(1).getByText("14:00").waitFor();
-        await rows.nth(2).getByText("line 7: not well-formed").waitFor();
+        await open.page.getByRole("link", { name: "Set", exact: true }).click();
+        await open.page.getByText("The set tells nothing of how its guides were read.").waitFor();
         await open.close();
         await set.stop();
     });

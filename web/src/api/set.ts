@@ -9,14 +9,14 @@ export interface RunningRecording {
     bytes: number;
 }
 
-/// One reading of a guide; error is empty or null when it went well.
+/// How a guide was read last; without a time it was not yet, without an error it went well.
 export interface GuideReading {
     guide: string;
-    time: string;
+    time: string | null;
     channels: number;
     programs: number;
     skipped: number;
-    error?: string | null;
+    error: string | null;
 }
 
 export interface SetStatus {

@@ -186,16 +186,15 @@ function readings(guides: GuideReading[] | undefined): Child[] {
 }
 
 function reading(guide: GuideReading): HTMLElement {
-    const time = Date.parse(guide.time);
-    const number = (value: number | undefined) => (value === undefined ? "" : count.format(value));
+    const time = guide.time === null ? NaN : Date.parse(guide.time);
     return el(
         "tr",
         {},
         el("th", { scope: "row", class: "breakable" }, guide.guide),
-        el("td", {}, Number.isNaN(time) ? guide.time : `${setZone().shortDay(time)}, ${setZone().clock(time)}`),
-        el("td", { class: "figure" }, number(guide.channels)),
-        el("td", { class: "figure" }, number(guide.programs)),
-        el("td", { class: "figure" }, number(guide.skipped)),
+        el("td", {}, Number.isNaN(time) ? "Not yet" : `${setZone().shortDay(time)}, ${setZone().clock(time)}`),
+        el("td", { class: "figure" }, count.format(guide.channels)),
+        el("td", { class: "figure" }, count.format(guide.programs)),
+        el("td", { class: "figure" }, count.format(guide.skipped)),
         el(
             "td",
             {},

@@ -20,18 +20,20 @@ export async function launch() {
  * Opens the page; whatever it complains of, and each request that leaves the set, fails the test.
  * @param {import("playwright-core").Browser} browser
  * @param {string} url
- * @param {{ size?: { width: number, height: number }, colours?: "light" | "dark", hash?: string, calm?: boolean }} [how]
+ * @param {{ size?: { width: number, height: number }, colours?: "light" | "dark", hash?: string, without?: string[] }} [how]
+ *     without: paths that the set answers 404
  */
-export async function openPage(browser, url, { size = desktop, colours = "light", hash = "", calm = true } = {}) {
+export async function openPage(browser, url, { size = desktop, colours = "light", hash = "", without = [] } = {}) {
     const context = await browser.newContext({
         viewport: size,
         colorScheme: colours,
         hasTouch: size.width < 640,
         isMobile: size.width < 640,
-        reducedMotion: calm ? "reduce" : "no-preference",
+        reducedMotion: "reduce",
         locale: "en-GB",
     });
     context.setDefaultTimeout(patience);
+    for (const path of without) await context.route(path, (route) => route.fulfill({ status: 404 }));
     const page = await context.newPage();
     /** @type {string[]} */
     const complaints = [];
