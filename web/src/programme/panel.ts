@@ -12,6 +12,7 @@ import {
 import { antennaName } from "../antennas.ts";
 import { announce } from "../announce.ts";
 import { el, fill } from "../dom.ts";
+import { keepingFocus } from "../focus.ts";
 import { type IconName, icon } from "../icons.ts";
 import { entryOf, refresh, schedules, status } from "../state.ts";
 import { now } from "../time/setClock.ts";
@@ -25,6 +26,7 @@ const recordingLead = 4000;
 const dialog = el("dialog", { class: "sheet", "aria-labelledby": "panel-title" });
 const state = el("div", { class: "panel-state" });
 const actions = el("div", { class: "panel-actions" });
+const outcome = el("div", { class: "panel-outcome" });
 const synopsis = el("div", { class: "synopsis" });
 
 let shown: { programme: Programme; channel: Channel } | null = null;
@@ -34,7 +36,7 @@ dialog.addEventListener("click", (event) => {
     if (event.target === dialog) dialog.close(); // beside the sheet
 });
 dialog.addEventListener("close", () => (shown = null));
-schedules.onChange(() => showActions());
+schedules.onChange(() => keepingFocus(actions, showActions));
 
 /// The panel's element, to stand anywhere in the page.
 export function programmePanel(): HTMLElement {
@@ -45,6 +47,7 @@ export function programmePanel(): HTMLElement {
 export function openProgramme(programme: Programme, channel: Channel): void {
     shown = { programme, channel };
     busy = false;
+    outcome.replaceChildren();
     fill(
         dialog,
         el(
@@ -76,6 +79,7 @@ export function openProgramme(programme: Programme, channel: Channel): void {
             ),
             state,
             actions,
+            outcome,
             synopsis,
         ),
     );
@@ -172,10 +176,14 @@ function restWish(programme: Programme, channel: Channel): Wish {
 
 async function attempt(how: (wished: Wish) => Promise<Booked>, wished: Wish): Promise<void> {
     busy = true;
+    outcome.replaceChildren();
     for (const button of actions.querySelectorAll("button")) button.disabled = true;
+    const asked = shown;
     try {
-        showOutcome(await how(wished), wished);
+        const result = await how(wished);
+        if (shown === asked) showOutcome(result, wished);
     } catch (error) {
+        if (shown !== asked) return;
         busy = false;
         tell(error instanceof Error ? error.message : String(error), true);
     }
@@ -218,7 +226,7 @@ async function end(entry: Entry, running: boolean): Promise<void> {
 /// Says what came of it, and leaves the focus in the panel.
 function tell(text: string, bad: boolean): void {
     showActions();
-    actions.append(el("p", { class: bad ? "outcome bad" : "outcome" }, icon(bad ? "warning" : "check"), text));
+    fill(outcome, el("p", { class: bad ? "outcome bad" : "outcome" }, icon(bad ? "warning" : "check"), text));
     announce(text);
     (actions.querySelector("button") ?? dialog.querySelector<HTMLElement>(".close"))?.focus();
 }

@@ -4,6 +4,7 @@ import type { RunningRecording } from "../api/set.ts";
 import { announce } from "../announce.ts";
 import { antennaName } from "../antennas.ts";
 import { el, fill } from "../dom.ts";
+import { keepingFocus } from "../focus.ts";
 import { entryIcon } from "../guide/row.ts";
 import { openProgrammeById } from "../guide/view.ts";
 import { icon } from "../icons.ts";
@@ -36,8 +37,8 @@ export function schedulesView(): HTMLElement {
         }
     };
     const show = () => {
-        showRunning(running, attempt);
-        showEntries(list, attempt, say);
+        keepingFocus(running, () => showRunning(running, attempt));
+        keepingFocus(list, () => showEntries(list, attempt, say));
     };
     schedules.onChange(show);
     status.onChange(show);
