@@ -5,6 +5,8 @@ import json
 
 import jsonschema
 
+from event_stream import StreamFault, events_of
+from metrics_text import metric_faults
 from xml_form import XmlFault, value_of_xml
 
 # What the web server adds to any answer.
@@ -80,22 +82,28 @@ class AnswerCheck:
         content_type = exchange["headers"].get("content-type", "")
         if content_type not in content:
             return [f"a body of the content type {content_type!r} is not described"]
-        schema = content[content_type]["schema"]
+        media = content[content_type]
         # Most answers come many times.
-        key = (id(schema), content_type, hashlib.sha256(body.encode("utf-8", "surrogatepass")).digest())
+        key = (id(media), content_type, hashlib.sha256(body.encode("utf-8", "surrogatepass")).digest())
         if key not in self._bodies:
-            self._bodies[key] = self._content_faults(body, content_type, schema)
+            self._bodies[key] = self._content_faults(body, content_type, media)
         return self._bodies[key]
 
-    def _content_faults(self, body, content_type, schema):
+    def _content_faults(self, body, content_type, media):
+        schema = media["schema"]
         try:
             if content_type.startswith("application/json"):
                 value = json.loads(body, object_pairs_hook=_object_of_distinct)
             elif content_type.startswith("application/xml"):
                 value = value_of_xml(body, schema, self.description.resolve, self._is_valid)
+            elif content_type == "text/event-stream":
+                items = (self.value_faults(event, media["x-item-schema"]) for event in events_of(body))
+                return [fault for faults in items for fault in faults]
+            elif "x-metrics" in media:
+                return metric_faults(body, media["x-metrics"])
             else:
                 value = body
-        except (ValueError, XmlFault) as fault:
+        except (ValueError, StreamFault, XmlFault) as fault:
             return [f"the body cannot be read: {fault}"]
         return self.value_faults(value, schema)
 

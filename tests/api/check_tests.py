@@ -8,6 +8,8 @@ from description import Description
 
 JSON = "application/json;charset=utf-8"
 XML = "application/xml;charset=utf-8"
+SSE = "text/event-stream"
+TEXT = "text/plain"
 
 ROW = {
     "type": "object",
@@ -29,6 +31,19 @@ LIST = {
     "additionalProperties": False,
 }
 EMPTY = {"type": "object", "additionalProperties": False}
+STREAM = {
+    "schema": {"type": "string"},
+    "x-item-schema": {
+        "type": "object",
+        "required": ["id", "event", "data"],
+        "properties": {"id": {"pattern": "^[0-9]+$"}, "event": {"enum": ["new"]}, "data": {"type": "object"}},
+        "additionalProperties": False,
+    },
+}
+METRICS = {
+    "schema": {"type": "string"},
+    "x-metrics": {"asked_total": {"type": "counter", "labels": ["by"]}, "rows": {"type": "gauge"}},
+}
 MISSING = {"x-body-optional": True, "content": {"text/plain": {"schema": {"const": "gone"}}}}
 CONTENT = {"schema": {"anyOf": [{"$ref": "#/components/schemas/List"}, {"$ref": "#/components/schemas/Empty"}]}}
 DOCUMENT = {
@@ -45,6 +60,8 @@ DOCUMENT = {
             },
             "x-other-methods": {"DELETE": {"204": {}}, "any": {"405": {}}},
         },
+        "/metrics": {"get": {"responses": {"200": {"headers": {"ETag": {"schema": {}}}, "content": {TEXT: METRICS}}}}},
+        "/events": {"get": {"responses": {"200": {"headers": {"ETag": {"schema": {}}}, "content": {SSE: STREAM}}}}},
         "/rows/{row}": {"get": {"responses": {"404": {"$ref": "#/components/responses/Missing"}}}},
     },
     "x-other-paths": {"/": {"404": {}}, "/rows": {"400": {}}},
@@ -135,9 +152,37 @@ class AnswersAreChecked(unittest.TestCase):
         self.assertEqual([], self.faults("gone", status=404, target="/rows/1", content_type="text/plain"))
         self.assert_fault("404", self.faults("lost", status=404, target="/rows/1", content_type="text/plain"))
 
+    def test_each_event_of_a_stream_is_checked(self):
+        def faults(body):
+            return self.faults(body, target="/events", content_type=SSE)
+
+        begin = "retry: 3000\nid: 7\n\n: nothing new\n\n"
+        event = 'id: 8\nevent: new\ndata: {"path":"/a"}\n\n'
+        self.assertEqual([], faults(begin))
+        self.assertEqual([], faults(begin + event + "id: 9\nevent: ne"))
+        self.assert_fault("is not one of", faults(begin + event.replace("new", "old")))
+        self.assert_fault("cannot be read", faults(begin + event.replace("data: {", "data: ")))
+        self.assert_fault("cannot be read", faults(begin + "more\n\n"))
+        self.assert_fault("cannot be read", faults(begin + "event: new\n\n"))
+
+    def test_each_metric_is_checked(self):
+        def faults(body):
+            return self.faults(body, target="/metrics", content_type=TEXT)
+
+        metrics = '# HELP rows Rows.\n# TYPE rows gauge\nrows 7\n# TYPE asked_total counter\nasked_total{by="a, b"} 1\n'
+        self.assertEqual([], faults(metrics))
+        self.assert_fault("more is not described", faults(metrics + "more 1\n"))
+        self.assert_fault("rows of type counter", faults(metrics.replace("gauge", "counter")))
+        self.assert_fault("with the labels ['to']", faults(metrics.replace("by=", "to=")))
+        self.assert_fault("the labels", faults(metrics.replace('b"}', "b}")))
+        self.assert_fault("the value 'many'", faults(metrics.replace("rows 7", "rows many")))
+        self.assert_fault("is no sample", faults(metrics + "\n"))
+
     def test_described_answers_that_never_came_are_told(self):
         self.faults(ROWS)
         self.faults(status=404, target="/rows/1")
+        self.faults("rows 7\n", target="/metrics", content_type=TEXT)
+        self.faults(": nothing new\n\n", target="/events", content_type=SSE)
         self.assertEqual([("GET /rows", "200", XML), ("GET /rows", "204", "")], list(self.check.unseen()))
 
 

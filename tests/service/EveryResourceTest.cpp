@@ -100,7 +100,7 @@ TEST_F(EveryResource, DoesNotLookAtABodyThatIsTooLong) {
 }
 
 TEST_F(EveryResource, RefusesAnEncodedNul) {
-    for (const char* target : {"/", "/set/status", "/ws/epg2?sql=%00"})
+    for (const char* target : {"/", "/set/status", "/set/metrics", "/set/events", "/ws/epg2?sql=%00"})
         EXPECT_EQ(400, client_.get(std::string(target) + "?%00").status) << target;
 }
 
@@ -118,6 +118,14 @@ TEST_F(EveryResource, ThatIsAListAnswersWithTheMembersSelected) {
                 HasSubstr("\"program_name\":"));
     EXPECT_THAT(client_.get("/ws/epg2/programs?items_max=1&select=channel_name").body,
                 HasSubstr("\"channel_name\":"));
+}
+
+TEST_F(EveryResource, IsCounted) {
+    const HttpAnswer metrics = client_.get("/set/metrics");
+    EXPECT_EQ(200, metrics.status);
+    EXPECT_EQ("text/plain; version=0.0.4; charset=utf-8", metrics.header("content-type"));
+    EXPECT_THAT(metrics.body,
+                HasSubstr("epghost_http_answers_total{method=\"GET\",resource=\"/ws/epg2/schedules\""));
 }
 
 TEST_F(EveryResource, AnswersToOtherMethodsAsItsKindDoes) {

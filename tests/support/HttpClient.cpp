@@ -32,9 +32,18 @@ std::size_t takeHeader(char* data, std::size_t size, std::size_t count, void* an
     return size * count;
 }
 
-std::size_t takeBody(char* data, std::size_t size, std::size_t count, void* answer) {
-    static_cast<HttpAnswer*>(answer)->body.append(data, size * count);
-    return size * count;
+/// Where a body goes, and what it has to hold before the rest is left; nothing: its end.
+struct BodyTarget {
+    std::string& body;
+    const std::string* until;
+    bool left = false;
+};
+
+std::size_t takeBody(char* data, std::size_t size, std::size_t count, void* target) {
+    auto& body = *static_cast<BodyTarget*>(target);
+    body.body.append(data, size * count);
+    body.left = body.until != nullptr && body.body.find(*body.until) != std::string::npos;
+    return body.left ? 0 : size * count;  // anything but the size ends the transfer
 }
 
 struct FreeList {
@@ -80,18 +89,23 @@ HttpClient::HttpClient(std::string base) : base_(std::move(base)), handle_(std::
 HttpClient::~HttpClient() = default;
 
 HttpAnswer HttpClient::request(const std::string& method, const std::string& target, const Headers& headers) {
-    return perform(method, target, headers, nullptr);
+    return perform(method, target, headers, nullptr, nullptr);
 }
 
 HttpAnswer HttpClient::send(const std::string& method, const std::string& target, const std::string& body,
                             const Headers& headers) {
-    return perform(method, target, headers, &body);
+    return perform(method, target, headers, &body, nullptr);
+}
+
+HttpAnswer HttpClient::listen(const std::string& target, const std::string& until, const Headers& headers) {
+    return perform("GET", target, headers, nullptr, &until);
 }
 
 HttpAnswer HttpClient::perform(const std::string& method, const std::string& target, const Headers& headers,
-                               const std::string* body) {
+                               const std::string* body, const std::string* until) {
     CURL* curl = handle_->curl;
     HttpAnswer answer;
+    BodyTarget received{answer.body, until};
     const List list = listOf(headers);
     curl_easy_reset(curl);
     curl_easy_setopt(curl, CURLOPT_URL, (base_ + target).c_str());
@@ -103,7 +117,7 @@ HttpAnswer HttpClient::perform(const std::string& method, const std::string& tar
     curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, &takeHeader);
     curl_easy_setopt(curl, CURLOPT_HEADERDATA, &answer);
     curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &takeBody);
-    curl_easy_setopt(curl, CURLOPT_WRITEDATA, &answer);
+    curl_easy_setopt(curl, CURLOPT_WRITEDATA, &received);
     if (body != nullptr) {
         curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body->size()));
         curl_easy_setopt(curl, CURLOPT_POSTFIELDS, body->c_str());
@@ -112,7 +126,7 @@ HttpAnswer HttpClient::perform(const std::string& method, const std::string& tar
     if (method == "HEAD") curl_easy_setopt(curl, CURLOPT_NOBODY, 1L);
 
     const CURLcode code = curl_easy_perform(curl);
-    if (code != CURLE_OK) {
+    if (code != CURLE_OK && !received.left) {
         throw std::runtime_error(method + " " + target + ": " + curl_easy_strerror(code));
     }
     long status = 0;

@@ -39,6 +39,9 @@ public:
     HttpAnswer send(const std::string& method, const std::string& target, const std::string& body,
                     const Headers& headers = {});
 
+    /// Reads an answer that does not end, until its body holds `until`.
+    HttpAnswer listen(const std::string& target, const std::string& until, const Headers& headers = {});
+
     HttpAnswer get(const std::string& target, const Headers& headers = {}) {
         return request("GET", target, headers);
     }
@@ -49,7 +52,7 @@ public:
 
 private:
     HttpAnswer perform(const std::string& method, const std::string& target, const Headers& headers,
-                       const std::string* body);
+                       const std::string* body, const std::string* until);
 
     struct Handle;
     std::string base_;
