@@ -24,12 +24,13 @@ def start_lines(run):
     floor = run.get("floor")
     if floor:
         beyond = start["resident_bytes"] - floor["database_bytes"]
+        start_ratio = start["ready_seconds"] * 1e3 / floor["start_ms"]
         lines += [
             f"  SQLite's pages {floor['database_bytes'] / 1e6:.1f} MB, beyond them "
             f"{beyond / run['programmes']:.0f} bytes a programme",
             f"  floor of the start {floor['start_ms'] / 1e3:.2f} s "
             f"(reading the guide {floor['read_ms'] / 1e3:.2f} s, and twice its INSERTs, "
-            f"{floor['insert_ms'] / 1e3:.2f} s each): ratio {start['ready_seconds'] * 1e3 / floor['start_ms']:.2f}",
+            f"{floor['insert_ms'] / 1e3:.2f} s each): ratio {start_ratio:.2f}",
             f"  update check {floor['update_check_ms']:.4f} ms, mirror of the bookings "
             f"{floor['mirror_ms']:.4f} ms",
         ]

@@ -1,0 +1,223 @@
+// The least that a set can do, measured with the bare libraries on the same guide and rows: for each request
+// SQLite stepping its statement and the kernel taking its answer, for the start reading the guide and
+// filling the table twice.
+//
+//   floor GUIDE START < REQUESTS
+//
+// Each line of REQUESTS is "book PROGRAMME" or "get NAME PATH [QUERY]", the path from "epg2" on; the
+// bookings come first. Prints one JSON object; all times are milliseconds of processor time.
+#include <libxml/xmlreader.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <regex>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "bench/BareDatabase.h"
+#include "bench/GuideService.h"
+#include "bench/LoopbackSocket.h"
+#include "bench/ProcessorTime.h"
+#include "set/epghost/TimeOption.h"
+#include "set/guide/GuideLoader.h"
+#include "tests/support/OpenPlugin.h"
+#include "tests/support/SqlTrace.h"
+
+namespace {
+
+using epgbench::BareDatabase;
+using epgbench::GuideService;
+using epgbench::medianMilliseconds;
+using epgtest::OpenPlugin;
+using Json = rapidjson::Writer<rapidjson::StringBuffer>;
+
+struct Get {
+    std::string name;
+    std::string path;
+    std::string query;
+};
+
+/// Reads the lines of REQUESTS; books at once.
+std::vector<Get> readRequests(std::istream& in) {
+    std::vector<Get> requests;
+    for (std::string line; std::getline(in, line);) {
+        std::istringstream words(line);
+        std::string verb;
+        Get get;
+        words >> verb >> get.name >> get.path >> get.query;
+        if (verb == "book") {
+            GuideService::book(get.name);
+        } else if (verb == "get" && !get.path.empty()) {
+            requests.push_back(get);
+        } else {
+            throw std::runtime_error("no request: " + line);
+        }
+    }
+    return requests;
+}
+
+/// Reads all nodes of a guide with the library alone.
+void readXml(const std::string& path) {
+    const std::unique_ptr<xmlTextReader, decltype(&xmlFreeTextReader)> reader(
+        xmlReaderForFile(path.c_str(), nullptr, XML_PARSE_NONET), &xmlFreeTextReader);
+    if (!reader) throw std::runtime_error("cannot read " + path);
+    int result = 1;
+    while (result == 1)
+        result = xmlTextReaderRead(reader.get());
+    if (result != 0) throw std::runtime_error(path + " is no XML");
+}
+
+/// The statements of one fill that make the table and its rows.
+std::vector<std::string> fillStatements() {
+    const epgtest::SqlTrace trace(*OpenPlugin::epgDBConnection);
+    EpgSQLPluginVexmoor::Instance()->rebuildDB(true);
+    std::vector<std::string> statements = trace.statements;
+    std::erase_if(statements, [](const std::string& text) {
+        return text.rfind("INSERT", 0) != 0 && text.rfind("CREATE TABLE", 0) != 0;
+    });
+    return statements;
+}
+
+/// The statement that finds the rows of a request: the last one that it runs.
+std::string statementOf(const Get& request) {
+    const epgtest::SqlTrace trace(*OpenPlugin::epgDBConnection);
+    GuideService::send("GET", request.path, request.query);
+    for (auto text = trace.statements.rbegin(); text != trace.statements.rend(); ++text) {
+        if (text->rfind("SELECT", 0) == 0) return *text;
+    }
+    throw std::runtime_error(request.name + ": runs no statement");
+}
+
+/// The statement as bare SQLite knows it: a search by score becomes one by LIKE.
+std::string bareStatement(const std::string& sql) {
+    static const std::regex score(R"(SEARCH_SCORE\((\w+),'([^']*)'\)>0)");
+    return std::regex_replace(sql, score, "$1 LIKE '%$2%'");
+}
+
+void add(Json& json, const char* key, double milliseconds) {
+    json.Key(key);
+    json.Double(milliseconds);
+}
+
+class Floor {
+public:
+    Floor() {
+        indexed_.copyFrom(OpenPlugin::epgDBConnection->handle());
+        plain_.copyFrom(OpenPlugin::epgDBConnection->handle());
+        plain_.dropIndexes();
+    }
+
+    void measure(const Get& request, Json& json) const {
+        const std::string sql = bareStatement(statementOf(request));
+        json.Key(request.name.c_str());
+        json.StartObject();
+        json.Key("statement");
+        json.String(sql.c_str());
+        json.Key("rows");
+        json.Int64(indexed_.run(sql));
+        add(json, "sqlite_ms", medianMilliseconds([&] { indexed_.run(sql); }));
+        add(json, "sqlite_without_indexes_ms", medianMilliseconds([&] { plain_.run(sql); }));
+        for (const bool xml : {false, true}) {
+            const epgbench::Answer answer = GuideService::send("GET", request.path, request.query, "", xml);
+            const std::string bytes = std::string(headerBytes, ' ') + answer.body;
+            json.Key(xml ? "xml" : "json");
+            json.StartObject();
+            json.Key("bytes");
+            json.Uint64(answer.body.size());
+            add(json, "socket_ms", medianMilliseconds([&] { socket_.write(bytes); }));
+            add(json, "service_ms",
+                medianMilliseconds([&] { GuideService::send("GET", request.path, request.query, "", xml); }));
+            json.EndObject();
+        }
+        json.EndObject();
+    }
+
+private:
+    static constexpr std::size_t headerBytes = 200;  // about what the set's own take
+
+    BareDatabase indexed_;
+    BareDatabase plain_;
+    epgbench::LoopbackSocket socket_;
+};
+
+void measureStart(const std::string& guide, Json& json) {
+    const std::vector<std::string> statements = fillStatements();
+    const double read = medianMilliseconds([&] { readXml(guide); });
+    const double insert = medianMilliseconds([&] { BareDatabase().runAll(statements); });
+    add(json, "read_ms", read);
+    add(json, "insert_ms", insert);
+    add(json, "start_ms", read + 2 * insert);
+}
+
+/// What every request does before its own statement.
+void measurePreparation(Json& json) {
+    add(json, "update_check_ms",
+        medianMilliseconds([] { EpgSQLPluginVexmoor::Instance()->checkDB_UpdateNeeded(); }));
+    add(json, "mirror_ms", medianMilliseconds([] {
+            OpenPlugin::m_removeDBSchedData(OpenPlugin::epgDBConnection);
+            OpenPlugin::m_updateDBSchedData(OpenPlugin::epgDBConnection);
+        }));
+}
+
+std::int64_t databaseBytes() {
+    std::int64_t bytes = 0;
+    const auto keep = [](void* kept, int, char** values, char**) {
+        *static_cast<std::int64_t*>(kept) = std::stoll(values[0]);
+        return 0;
+    };
+    sqlite3_exec(OpenPlugin::epgDBConnection->handle(),
+                 "SELECT page_count*page_size FROM pragma_page_count, pragma_page_size", keep, &bytes,
+                 nullptr);
+    return bytes;
+}
+
+int measure(const std::string& guidePath, const std::string& start) {
+    const auto now = epgset::parseTimeOption(start);
+    if (!now) throw std::runtime_error("no time: " + start);
+    epgset::EventIds ids;
+    epgset::GuideSources sources;
+    sources.guides.emplace_back(guidePath);
+    sources.now = *now;
+    const GuideService service(epgset::loadGuide(sources, ids).guide, *now);
+
+    rapidjson::StringBuffer text;
+    Json json(text);
+    json.StartObject();
+    json.Key("sqlite");
+    json.String(sqlite3_libversion());
+    measureStart(guidePath, json);
+    const std::vector<Get> requests = readRequests(std::cin);
+    measurePreparation(json);
+    json.Key("database_bytes");
+    json.Int64(databaseBytes());
+    json.Key("requests");
+    json.StartObject();
+    const Floor floor;
+    for (const Get& request : requests)
+        floor.measure(request, json);
+    json.EndObject();
+    json.EndObject();
+    std::puts(text.GetString());
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: floor GUIDE START < REQUESTS\n");
+        return 2;
+    }
+    try {
+        return measure(argv[1], argv[2]);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "floor: %s\n", error.what());
+        return 1;
+    }
+}
