@@ -10,6 +10,7 @@
 #include "host/Logger.h"
 #include "set/database/DatabaseRequest.h"
 #include "set/database/ExpensiveFunctions.h"
+#include "set/middleware/StateRevision.h"
 
 namespace epgset {
 namespace {
@@ -67,7 +68,10 @@ int authorize(void*, int action, const char* first, const char* second, const ch
     switch (action) {
         case SQLITE_ATTACH:
             // What VACUUM attaches in the course of its step is a temporary database without a name.
-            if (!compilingText && first && *first == '\0') return SQLITE_OK;
+            if (!compilingText && first && *first == '\0') {
+                countChange(StatePart::Table);  // rows were pruned
+                return SQLITE_OK;
+            }
             return refuse("ATTACH " + shown(first));
         case SQLITE_DETACH:
             return refuse("DETACH " + shown(first));
@@ -81,7 +85,10 @@ int authorize(void*, int action, const char* first, const char* second, const ch
         case SQLITE_DROP_VTABLE:
             return refuse("virtual table " + shown(first) + " of module " + shown(second));
         case SQLITE_CREATE_TABLE:
-            if (compilingText) ++tableCount;
+            if (compilingText) {
+                ++tableCount;
+                countChange(StatePart::Table);
+            }
             [[fallthrough]];
         case SQLITE_CREATE_INDEX:
         case SQLITE_CREATE_TRIGGER:

@@ -82,7 +82,7 @@ void warmUp(PluginHost& plugin) {
 }
 
 void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket socket, GuideSource& source,
-                       GuideRefresh& refresh, Reminders& reminders) {
+                       GuideRefresh& refresh, Reminders& reminders, std::size_t answerCache) {
     GuideNews news(events(), secondMaintenance);
     const auto maintain = [&] {
         plugin.maintain();
@@ -101,7 +101,7 @@ void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket s
         timer.callIn(std::chrono::seconds(0));
         timer.callIn(secondMaintenance);
     };
-    SetRoutes routes(plugin, facts, PageFiles(shippedPage()));
+    SetRoutes routes(plugin, facts, PageFiles(shippedPage()), answerCache);
     const std::string url = socket.url();
     const HttpServer server(std::move(socket), routes);
     std::cout << "listening on " << url << std::endl;
@@ -148,7 +148,8 @@ void runEpghost(const Options& options) {
                         folder.string(),  freeBytes(folder), reminders.nextDue(nextEntries)};
     };
     const SetFacts facts{options.pvr, processZoneName(), stateNow};
-    serveUntilStopped(plugin, facts, std::move(socket), source, refresh, reminders);
+    serveUntilStopped(plugin, facts, std::move(socket), source, refresh, reminders,
+                      static_cast<std::size_t>(options.answerCache));
 }
 
 }  // namespace epgset

@@ -78,6 +78,7 @@ GuideSources GuideSource::sources() {
 LoadedGuide GuideSource::read(const GuideSources& sources) {
     const bool demo = options_.guides.empty();
     LoadedGuide loaded = demo ? loadDemoGuide(sources) : loadGuide(sources, eventIds_);
+    if (demo) loaded.contents = {{loaded.guide->channels().size(), loaded.guide->programmes().size(), 0}};
     loadAgainBy_ = loaded.fitsUntil.value_or(never);
     if (demo) loadAgainBy_ = std::min(loadAgainBy_, sources.now + day);
     return loaded;

@@ -87,6 +87,10 @@ std::string takeTuners(Options& options, Text text) {
     return takeNumber(options.tuners, text, 1, mostTuners);
 }
 
+std::string takeAnswerCache(Options& options, Text text) {
+    return takeNumber(options.answerCache, text, 0, mostBytes);
+}
+
 std::string takeRecordingsMax(Options& options, Text text) {
     return takeNumber(options.recordingsMax, text, 0, mostBytes);
 }
@@ -148,6 +152,8 @@ constexpr auto table = std::to_array<OptionEntry>({
     {"recordings", "DIR", "Where recordings are written", "recordings below the state folder", Form::Text,
      false, takeRecordings},
     {"tuners", "N", "How many recordings may run at once", "2", Form::Number, false, takeTuners},
+    {"answer-cache", "BYTES", "How many bytes of answers that cannot have changed are kept; 0: none",
+     "16777216", Form::Number, false, takeAnswerCache},
     {"recordings-max", "BYTES", "How many bytes the recordings may hold; 0: no bound", "0", Form::Number,
      false, takeRecordingsMax},
     {"web-root", "DIR", "The UPnP web root; it holds rcr/RemoteControlReceiver.xml",

@@ -3,6 +3,8 @@
 #include <mutex>
 #include <utility>
 
+#include "set/middleware/StateRevision.h"
+
 namespace epgset {
 namespace {
 
@@ -29,6 +31,7 @@ void useGuide(std::shared_ptr<const Guide> guide) {
     {
         const std::lock_guard lock(guideMutex);
         guideInUse.swap(guide);
+        countChange(StatePart::Guide);
     }
     // The last reference to the old guide may go here, after the lock: freeing a big one takes a while.
 }

@@ -10,6 +10,7 @@
 #include "host/TCProgram.h"
 #include "set/events/EventRing.h"
 #include "set/middleware/Clock.h"
+#include "set/middleware/StateRevision.h"
 #include "set/middleware/Television.h"
 #include "set/reminders/SeriesProgrammes.h"
 
@@ -26,6 +27,15 @@ const Container::Logger& log() {
 void publish(std::string_view name, unsigned long uid) {
     events().publish(name, schedulePath(uid));
 }
+
+/// Held while the entries in memory change.
+class ChangeLock {
+public:
+    explicit ChangeLock(std::shared_mutex& mutex) : lock_(mutex) { countChange(StatePart::Bookings); }
+
+private:
+    const std::lock_guard<std::shared_mutex> lock_;
+};
 
 /// Whether an entry is taken; logs why not.
 bool accepted(const ReminderEntry& entry) {
@@ -93,7 +103,7 @@ bool ReminderStore::AddRemindItem(CRemindInfo& info, int /*reserved*/) {
     if (!written([&] { entry.info.SetUid(file_.insert(entry)); })) return false;
     info = infoOf(entry);
     {
-        const std::lock_guard lock(memoryMutex_);
+        const ChangeLock lock(memoryMutex_);
         index_.put(std::move(entry));
     }
     publish(event::scheduleAdded, info.UID());
@@ -109,7 +119,7 @@ bool ReminderStore::UpdateRemindItemByUid(unsigned long uid, const CRemindInfo& 
     entry.info.SetUid(uid);
     if (!accepted(entry) || !written([&] { file_.update(entry); })) return false;
     {
-        const std::lock_guard lock(memoryMutex_);
+        const ChangeLock lock(memoryMutex_);
         index_.put(std::move(entry));
     }
     publish(event::scheduleChanged, uid);
@@ -141,7 +151,7 @@ int ReminderStore::remove(unsigned long uid) {
     const std::lock_guard writing(writeMutex_);
     if (!index_.find(uid) || !written([&] { file_.remove(uid); })) return 0;
     {
-        const std::lock_guard lock(memoryMutex_);
+        const ChangeLock lock(memoryMutex_);
         index_.remove(uid);
         recording_.erase(uid);
     }
@@ -214,7 +224,7 @@ void ReminderStore::followGuide(std::int64_t now) {
 void ReminderStore::carryOut(const ReminderPlan& plan) {
     file_.change(plan.removed, plan.replaced);
     {
-        const std::lock_guard lock(memoryMutex_);
+        const ChangeLock lock(memoryMutex_);
         for (const unsigned long uid : plan.removed) {
             index_.remove(uid);
             recording_.erase(uid);
@@ -243,14 +253,14 @@ void ReminderStore::recordingBegan(unsigned long uid, std::int64_t start) {
     const ReminderEntry* const entry = index_.find(uid);
     if (!entry || entry->start != start) return;
     {
-        const std::lock_guard lock(memoryMutex_);
+        const ChangeLock lock(memoryMutex_);
         recording_[uid] = start;
     }
     written([&] { recorded_.add(*entry, clock().now()); });
 }
 
 void ReminderStore::recordingEnded(unsigned long uid) {
-    const std::lock_guard lock(memoryMutex_);
+    const ChangeLock lock(memoryMutex_);
     recording_.erase(uid);
 }
 

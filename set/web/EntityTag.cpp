@@ -48,12 +48,20 @@ bool namesTag(std::string_view ifNoneMatch, std::string_view tag) {
     }
 }
 
-void applyEntityTag(const WebRequest& request, WebResponse& response) {
+void tagEntity(const WebRequest& request, WebResponse& response) {
     if (request.method != "GET" || response.status != 200) return;
     const std::string tag = entityTag(headerValue(response.headers, "Content-Type"), response.body);
     setHeader(response.headers, "ETag", tag);
-    if (!namesTag(headerValue(request.headers, "If-None-Match"), tag)) return;
-    response.status = 304;
+}
+
+void applyEntityTag(const WebRequest& request, WebResponse& response) {
+    tagEntity(request, response);
+    answerConditionally(request, response);
+}
+
+void answerConditionally(const WebRequest& request, WebResponse& response) {
+    const std::string tag = headerValue(response.headers, "ETag");
+    if (!tag.empty() && namesTag(headerValue(request.headers, "If-None-Match"), tag)) response.status = 304;
 }
 
 }  // namespace epgset

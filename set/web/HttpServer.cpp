@@ -64,10 +64,14 @@ using LibraryResponse = std::unique_ptr<MHD_Response, DestroyResponse>;
 
 /// The library's form of a response whose body is known, which it takes over.
 LibraryResponse makeWholeResponse(WebResponse& response) {
-    if (!hasLength(response.status)) response.body.clear();
-    auto body = std::make_unique<std::string>(std::move(response.body));
+    using Body = std::shared_ptr<const std::string>;
+    auto body = std::make_unique<Body>(std::move(response.sharedBody));
+    if (!*body) *body = std::make_shared<const std::string>(std::move(response.body));
+    if (!hasLength(response.status)) *body = std::make_shared<const std::string>();
+    // The library only reads what it is given.
+    char* const bytes = const_cast<char*>((*body)->data());
     LibraryResponse made(MHD_create_response_from_buffer_with_free_callback_cls(
-        body->size(), body->data(), [](void* text) { delete static_cast<std::string*>(text); }, body.get()));
+        (*body)->size(), bytes, [](void* owned) { delete static_cast<Body*>(owned); }, body.get()));
     if (made) static_cast<void>(body.release());
     return made;
 }

@@ -77,7 +77,7 @@ void count(const WebRequest& request, const WebResponse& response) {
     const std::string resource = resourceOf(pathSegments(hasPath ? request.path : "*"));
     const bool sent = response.status != 304 && request.method != "HEAD";
     metrics().countAnswer(resource, methodOf(request.method), response.status,
-                          sent ? response.body.size() : 0);
+                          sent ? bodyOf(response).size() : 0);
 }
 
 /// The answer to a request that is not let through to anything; nothing for one that is.
@@ -90,8 +90,8 @@ std::optional<WebResponse> refusal(const WebRequest& request) {
 
 }  // namespace
 
-SetRoutes::SetRoutes(PluginHost& plugin, SetFacts facts, PageFiles page)
-    : plugin_(plugin), facts_(std::move(facts)), page_(std::move(page)) {}
+SetRoutes::SetRoutes(PluginHost& plugin, SetFacts facts, PageFiles page, std::size_t answerCache)
+    : plugin_(plugin), facts_(std::move(facts)), page_(std::move(page)), answers_(answerCache) {}
 
 std::optional<WebResponse> SetRoutes::answerAtOnce(const WebRequest& request) {
     std::optional<WebResponse> response = route(request);
@@ -101,7 +101,7 @@ std::optional<WebResponse> SetRoutes::answerAtOnce(const WebRequest& request) {
 
 std::optional<WebResponse> SetRoutes::route(const WebRequest& request) {
     if (auto refused = refusal(request)) return refused;
-    if (pathBelow(request.path, pluginMount)) return std::nullopt;
+    if (pathBelow(request.path, pluginMount)) return keptAnswer(request);
 
     const bool isPath = request.path.starts_with('/') || request.path.empty();
     const std::vector<std::string> segments = pathSegments(isPath ? request.path : "*");
@@ -131,11 +131,25 @@ WebResponse SetRoutes::eventStream(const WebRequest& request) {
     return response;
 }
 
+std::optional<WebResponse> SetRoutes::keptAnswer(const WebRequest& request) {
+    const auto key = answerKey(request);
+    if (!key) return std::nullopt;
+    std::optional<WebResponse> response = answers_.find(*key, stateRevision());
+    if (response) answerConditionally(request, *response);
+    return response;
+}
+
 WebResponse SetRoutes::answerInTurn(const WebRequest& request) {
     const auto begun = std::chrono::steady_clock::now();
+    const StateRevision before = stateRevision();
     WebResponse response = plugin_.answer(request, pathBelow(request.path, pluginMount).value_or(""));
+    if (!changesNothing(request)) countChange(StatePart::Clients);
     const auto answered = std::chrono::steady_clock::now();
-    applyEntityTag(request, response);
+    tagEntity(request, response);
+    if (const auto key = answerKey(request); key && stateRevision() == before) {
+        answers_.keep(*key, before, response);
+    }
+    answerConditionally(request, response);
     metrics().countTime(RequestStage::Wait, begun - request.whole);
     metrics().countTime(RequestStage::Plugin, answered - begun);
     metrics().countTime(RequestStage::Tag, std::chrono::steady_clock::now() - answered);

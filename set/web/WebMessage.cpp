@@ -28,6 +28,10 @@ void setHeader(WebHeaders& headers, std::string_view name, std::string_view valu
     headers.emplace_back(name, value);
 }
 
+const std::string& bodyOf(const WebResponse& response) {
+    return response.sharedBody ? *response.sharedBody : response.body;
+}
+
 WebResponse textResponse(int status, std::string_view line) {
     WebResponse response;
     response.status = status;

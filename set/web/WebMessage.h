@@ -46,9 +46,13 @@ struct WebRequest {
 struct WebResponse {
     int status = 200;
     WebHeaders headers;
-    std::string body;                         ///< of a 304: what the 200 would have sent
-    std::shared_ptr<BodyStream> stream = {};  ///< in place of `body`: one that grows; null: none
+    std::string body;                                    ///< of a 304: what the 200 would have sent
+    std::shared_ptr<const std::string> sharedBody = {};  ///< in place of `body`: one that others send too
+    std::shared_ptr<BodyStream> stream = {};             ///< in place of `body`: one that grows; null: none
 };
+
+/// The body, whoever owns it.
+const std::string& bodyOf(const WebResponse& response);
 
 /// A response whose body is one line of plain text.
 WebResponse textResponse(int status, std::string_view line);
