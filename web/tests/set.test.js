@@ -75,6 +75,7 @@ describe("the set's page", () => {
         await good.getByText("Sun 23, 14:10").waitFor();
         await good.getByText("Read", { exact: true }).waitFor();
         await rows.filter({ hasText: "bad.xml" }).locator(".outcome.bad").getByText(/bad\.xml/).waitFor();
+        await open.page.locator(".set-view").evaluate((view) => view.scrollTo(0, view.scrollHeight));
         await screenshot(open.page, "desktop-light-set-with-error");
         await open.close();
         await set.stop();

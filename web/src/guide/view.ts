@@ -76,6 +76,7 @@ export function guideView(): HTMLElement {
         grid.showChannels(antenna ? list.filter((channel) => channel.antenna === antenna) : list);
         grid.element.hidden = list.length === 0 || !search.element.hidden;
         empty.hidden = list.length > 0;
+        toolbar.element.hidden = list.length === 0;
         if (list.length === 0) fill(empty, ...noChannels());
         if (begun || list.length === 0) return;
         begun = true;
@@ -108,6 +109,7 @@ export function guideView(): HTMLElement {
 
     fill(empty, el("p", { class: "spinner-text" }, "Reading the guide…"));
     grid.element.hidden = true;
+    toolbar.element.hidden = true;
     const view = el(
         "section",
         { class: "view guide-view", "aria-labelledby": "guide-title" },

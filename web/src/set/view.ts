@@ -29,10 +29,14 @@ export function setView(): SetView {
     const guides = el("div", {});
     const device = el("div", {});
 
+    let shownGuides = "";
     status.onChange((read) => {
         if (!read) return;
         fill(clock, ...clockFacts(read));
-        fill(guides, ...guideFacts(read));
+        // The table may have the focus, and be scrolled: it stays while it says the same.
+        const told = JSON.stringify([read.channels, read.programs, read.programs_dropped, read.guides]);
+        if (told !== shownGuides) fill(guides, ...guideFacts(read));
+        shownGuides = told;
     });
     const readAll = () => {
         void into(recording, async () => recordingFacts(await readRecordingSpec(), status.value));
