@@ -1,6 +1,4 @@
 // The schedule service: reading and changing the set's reminders and recordings.
-#include <strings.h>
-
 #include <algorithm>
 #include <cstring>
 #include <initializer_list>
@@ -8,7 +6,8 @@
 #include <vector>
 
 #include "Vexmoor/EpgSQLPluginVexmoorUtil.h"
-#include "Vexmoor/HeapText.h"
+#include "Vexmoor/ManualSchedule.h"
+#include "Vexmoor/ReminderBooking.h"
 #include "Vexmoor/TextBuilder.h"
 #include "Vexmoor/TextCompare.h"
 #include "host/AppTV.h"
@@ -20,9 +19,6 @@ namespace {
 
 constexpr const char* locationPath = "/ws/epg/schedules";  // without the "2" of the other paths, on purpose
 constexpr int allEntries = 2;  // the kind of entries asked for, the middleware's number
-constexpr int invalidTvMode = -1;
-
-enum Force { KeepConflict = 0, ReplaceConflict = 1, CheckOverlap = 2 };
 
 bool isSupported(const char* method, std::initializer_list<const char*> supported) {
     if (std::any_of(supported.begin(), supported.end(),
@@ -30,10 +26,6 @@ bool isSupported(const char* method, std::initializer_list<const char*> supporte
         return true;
     adapterLogger.warning("t_channels_id does not support %s method", method);  // shared by all handlers
     return false;
-}
-
-bool isWord(const char* text, const char* word) {
-    return text != nullptr && strcasecmp(text, word) == 0;
 }
 
 /// The status that refuses a body, 0 for one that may be parsed.
@@ -48,11 +40,6 @@ void storeLocation(char** location, const char* id) {
     *location = TextBuilder(std::strlen(id) + 19).add(locationPath).add("/").add(id).release();
 }
 
-void replaceId(ws_epg_schedule& record, CRemindInfo& entry) {
-    const HeapText previous(record.id);
-    record.id = t_get_schedule_id(&entry);
-}
-
 /// Writes the entries that overlap `entry`.
 int answerOverlaps(void* node, CReminder& store, const CRemindInfo& entry) {
     std::vector<CRemindInfo> overlapping;
@@ -60,11 +47,6 @@ int answerOverlaps(void* node, CReminder& store, const CRemindInfo& entry) {
     adapterLogger.warning("getting overlapped %d", static_cast<int>(overlapping.size()));
     t_output_reminds(node, overlapping);
     return 200;
-}
-
-void deleteConflict(CReminder& store, const CRemindInfo& conflict) {
-    store.DeleteRemindItemByUid(conflict.UID());
-    adapterLogger.debug("=== Remind Duplicated. Previous is removed (%ld) ===", conflict.UID());
 }
 
 // A programme's schedule -----------------------------------------------------------------------------
@@ -138,13 +120,7 @@ int bookProgram(void* node, CReminder& store, const TCProgram& program, ws_epg_s
                 CRemindInfo& entry, CRemindInfo& conflict, char** location) {
     prepareEntry(entry, program, record);
     if (record.force == CheckOverlap) return answerOverlaps(node, store, entry);
-    if (store.ExistSameTimeRemindItem(entry, conflict)) {
-        if (record.force == KeepConflict) {
-            adapterLogger.error("=== Remind Duplicated. Confliction ===");
-            return 409;
-        }
-        deleteConflict(store, conflict);
-    }
+    if (!makeRoom(store, entry, record.force, conflict)) return 409;
     if (!store.AddRemindItem(entry, 0)) {
         adapterLogger.debug("=== Remind Set '%s'. FAIL!! (pid:%d sch_id:%ld) ===", record.status,
                             entry.EventId(), entry.UID());
@@ -155,157 +131,6 @@ int bookProgram(void* node, CReminder& store, const TCProgram& program, ws_epg_s
     replaceId(record, entry);
     storeLocation(location, record.id);
     return 201;
-}
-
-// A manual schedule ----------------------------------------------------------------------------------
-
-/// What filling a manual entry came to.
-enum class InputResult { Filled, ChannelChanged, Invalid };
-
-bool hasRequiredFields(const ws_epg_schedule& request) {
-    struct Required {
-        const char* text;
-        const char* message;
-    };
-    const Required fields[] = {
-        {request.status, "status is required"},   {request.channel_num, "channel_num is required"},
-        {request.antenna, "antenna is required"}, {request.start, "start is required"},
-        {request.end, "end is required"},         {request.repeat, "repeat is required"},
-    };
-    for (const Required& field : fields) {
-        if (field.text != nullptr && field.text[0] != '\0') continue;
-        adapterLogger.error(field.message);
-        return false;
-    }
-    return true;
-}
-
-/// The number of a channel_num text, which is cut at its first '-'.
-struct ChannelNumber {
-    int major = 0;
-    int minor = 0;
-};
-
-ChannelNumber takeChannelNumber(char* text) {
-    ChannelNumber number;
-    if (char* const hyphen = std::strchr(text, '-')) {
-        *hyphen = '\0';
-        number.minor = t_read_int(hyphen + 1);
-    }
-    number.major = t_read_int(text);
-    return number;
-}
-
-/// The channel that a request names, and its digital channel type; null, logged, for none.
-std::unique_ptr<TCChannel> requestedChannel(const ws_epg_schedule& request, const ChannelNumber& number,
-                                            int& channelType) {
-    const int tvmode = t_get_tvmode_from_name(request.antenna);
-    if (tvmode == invalidTvMode) {
-        adapterLogger.error("Invalid antenna:%s", request.antenna);
-        return nullptr;
-    }
-    channelType = TCChannel::GetDigitalChType(tvmode);
-    if (channelType == -1) {
-        adapterLogger.error("Unconvertable TV mode :%s,%d", request.antenna, tvmode);
-        return nullptr;
-    }
-    std::unique_ptr<TCChannel> channel(t_get_cached_channel_by_num(tvmode, number.major, number.minor));
-    if (!channel)
-        adapterLogger.error("No channel mode:%d major:%d minor:%d", tvmode, number.major, number.minor);
-    return channel;
-}
-
-/// Middleware time of a request's time text. Invalid is what sums up to -1, on purpose: an unreadable text
-/// is caught only while the offset is 0.
-bool readLocalTime(const char* text, const char* message, long long& time) {
-    time = t_get_UNIX_from_ISO8601(text) + t_get_time_offset();
-    if (time != -1) return true;
-    adapterLogger.error(message, text);
-    return false;
-}
-
-/// Compares a manual schedule's local times with UNIX now, on purpose.
-InputResult checkManualTimes(const ws_epg_schedule& request, const TCChannel& channel, int major,
-                             long long start, long long end) {
-    const long long now = t_get_current_UNIX_time();
-    if (end < start) {
-        adapterLogger.error("Invalid time. start time bigger than end time. (start:%lld > end:%lld)", start,
-                            end);
-        return InputResult::Invalid;
-    }
-    if (start <= now && now <= end) {
-        if (isWord(request.status, "RECORD")) {
-            adapterLogger.error(
-                "Invalid time. recording time overlappted (start:%lld <= curr:%lld <= end:%lld)", start, now,
-                end);
-            return InputResult::Invalid;
-        }
-        adapterLogger.error(
-            "View time is overlapped. Instant channel change (start:%lld <= curr:%lld <= end:%lld)", start,
-            now, end);
-        if (g_pAppWindow != nullptr) g_pAppWindow->ChangeChannel(major, channel.Minor());
-        return InputResult::ChannelChanged;
-    }
-    if (now >= end) {
-        adapterLogger.error("Invalid time. already passed (end:%lld <= curr:%lld)", end, now);
-        return InputResult::Invalid;
-    }
-    return InputResult::Filled;
-}
-
-InputResult fillManualEntry(ws_epg_schedule& request, CRemindInfo& entry) {
-    if (!hasRequiredFields(request)) return InputResult::Invalid;
-    if (!isWord(request.status, "RECORD") && !isWord(request.status, "VIEW")) {
-        adapterLogger.error("Invalid status:%s", request.status);
-        return InputResult::Invalid;
-    }
-    const ChannelNumber number = takeChannelNumber(request.channel_num);
-    int channelType = -1;
-    const std::unique_ptr<TCChannel> channel = requestedChannel(request, number, channelType);
-    if (!channel) return InputResult::Invalid;
-    long long start = 0;
-    long long end = 0;
-    if (!readLocalTime(request.start, "Invalid start time : %s", start) ||
-        !readLocalTime(request.end, "Invalid end time : %s", end))
-        return InputResult::Invalid;
-    const InputResult times = checkManualTimes(request, *channel, number.major, start, end);
-    if (times != InputResult::Filled) return times;
-    int days = 0;
-    const int repeat = t_get_repeat_type(request.repeat, &days);
-    if (repeat == CReminder::REPEAT_INVALID) {
-        adapterLogger.error("Invalid repeat : %s", request.repeat);
-        return InputResult::Invalid;
-    }
-    entry.Initialise();
-    entry.SetCreationMethod(CReminder::CREATED_MANUALLY);
-    entry.SetReserveType(isWord(request.status, "RECORD") ? CReminder::RESERVE_RECORD
-                                                          : CReminder::RESERVE_VIEW);
-    entry.Set(static_cast<short>(number.major), channel->Minor(), channel->PTC(), channelType,
-              channel->ProgramNumber());
-    entry.SetStartTime(start);
-    entry.SetDuration(end - start);
-    entry.SetRepeat(static_cast<CReminder::REMINDER_REPEAT_TYPE>(repeat), days);
-    return InputResult::Filled;
-}
-
-enum ManualResult { Done = 0, Conflict = 1, InputError = -1 };
-
-ManualResult addManualEntry(CReminder& store, ws_epg_schedule& request, CRemindInfo& entry) {
-    CRemindInfo conflict;
-    if (store.ExistSameTimeRemindItem(entry, conflict)) {
-        if (request.force == KeepConflict) {
-            adapterLogger.error("=== Remind Duplicated. Confliction ===");
-            return Conflict;
-        }
-        deleteConflict(store, conflict);
-    }
-    if (store.AddRemindItem(entry, 0)) {
-        adapterLogger.debug("=== Add Remind '%s'. OK (sch_id:%ld) ===", request.status, entry.UID());
-        replaceId(request, entry);
-    } else {
-        adapterLogger.error("AddRemindItem Fail!");
-    }
-    return Done;
 }
 
 }  // namespace
@@ -378,14 +203,14 @@ int t_schedules(void* node, const char* method, TARNO_rstr_uri_query_st* /*query
     if (record->force == CheckOverlap) {
         CRemindInfo entry;
         switch (fillManualEntry(*record, entry)) {
-            case InputResult::Filled:
+            case ManualInput::Filled:
                 return answerOverlaps(node, *store, entry);
-            case InputResult::ChannelChanged: {  // nothing was filled: nothing overlaps it
+            case ManualInput::ChannelChanged: {  // nothing was filled: nothing overlaps it
                 std::vector<CRemindInfo> none;
                 t_output_reminds(node, none);
                 return 200;
             }
-            case InputResult::Invalid:
+            case ManualInput::Invalid:
                 adapterLogger.warning("overlapped queried but data setting failed");
                 return 204;
         }
@@ -432,32 +257,6 @@ int t_schedules_id(void* node, const char* method, const char* schedule_id, char
     if (t_set_manual_schedule(record.get(), 1, uid) == Done) return 200;
     adapterLogger.error("Manual Remind Set Failed");
     return 404;
-}
-
-int t_set_manual_schedule_input(ws_epg_schedule* request, CRemindInfo* info) {
-    if (request == nullptr || info == nullptr) return -1;
-    return fillManualEntry(*request, *info) == InputResult::Invalid ? -1 : 0;
-}
-
-int t_set_manual_schedule(ws_epg_schedule* request, int update, unsigned long uid) {
-    CReminder* store = CReminder::GetInstance();
-    if (request == nullptr || store == nullptr) return InputError;
-    CRemindInfo entry;
-    switch (fillManualEntry(*request, entry)) {
-        case InputResult::Invalid:
-            return InputError;
-        case InputResult::ChannelChanged:
-            return Done;  // the view is on: there is nothing to store
-        case InputResult::Filled:
-            break;
-    }
-    adapterLogger.trace("Scheduling parameter condition PASSED!!!!");
-    if (update == 0) return addManualEntry(*store, *request, entry);
-    if (store->UpdateRemindItemByUid(uid, entry, 0, 1))
-        adapterLogger.debug("=== Update Remind '%s'. OK (sch_id:%ld) ===", request->status, uid);
-    else
-        adapterLogger.error("UpdateRemindItemByUid Fail!");
-    return Done;  // also when the store refused: the log alone tells
 }
 
 void t_output_reminds(void* node, std::vector<CRemindInfo>& list) {
