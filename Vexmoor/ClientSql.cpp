@@ -23,5 +23,8 @@ int EpgSQLPluginVexmoor::m_SendSQLCmd(TARNO_rstr_uri_query_st* queryRecord, Conn
         TARNO_rdoc_add_object(items, nullptr, row);
         m_output_sql_result(row, ChannelView, statement.handle());
     }
+    const bool mayChangeSchema = sqlite3_stmt_readonly(statement.handle()) == 0;
+    statement.close();
+    if (mayChangeSchema) m_hintIndexes(connection);
     return rowCount == 0 ? 204 : 200;
 }

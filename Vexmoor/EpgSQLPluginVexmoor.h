@@ -135,6 +135,10 @@ protected:  // open to derived classes, so that each operation can be tried alon
     /// Makes the indexes for which the database has room; always 0. The table serves without them.
     static int m_createIndexes(ConnectionPtr connection);
 
+    /// Tells SQLite when to use the indexes, so that no statement's rows come in the order of one. It forgets
+    /// that when it reads the schema again, as after a vacuum. Not while a statement is being stepped.
+    static void m_hintIndexes(ConnectionPtr connection);
+
     // Update check and rebuild -------------------------------------------------------------------
     static int m_deleteDBTable(const std::string& table, ConnectionPtr connection);
 

@@ -194,4 +194,6 @@ void EpgSQLPluginVexmoor::m_insertSchedData(const std::string& channelId, const 
         pluginLogger.trace("Schedule data added!\n");
         pluginLogger.trace("SQL Return code: %d\n", result);
     }
+    statement.close();
+    m_hintIndexes(connection);  // the pruning ended in a vacuum
 }

@@ -29,7 +29,7 @@ std::vector<std::string> importedStatements(LargeGuide& filled) {
     filled.plugin->rebuildDB(true);
     sqlite3_trace_v2(database, 0, nullptr, nullptr);
     std::erase_if(statements, [](const std::string& text) {
-        return text.rfind("INSERT", 0) != 0 && text.rfind("CREATE TABLE", 0) != 0;
+        return text.rfind("INSERT INTO myView", 0) != 0 && text.rfind("CREATE TABLE myView", 0) != 0;
     });
     return statements;
 }

@@ -10,6 +10,7 @@
 #include "host/ResponseDocument.h"
 #include "set/middleware/Television.h"
 #include "tests/support/OpenPlugin.h"
+#include "tests/support/SqlTrace.h"
 #include "tests/support/TestReminders.h"
 
 namespace {
@@ -31,6 +32,15 @@ public:
     }
 };
 
+/// Steps one statement to its end on the plug-in's database.
+void stepAll(const char* sql) {
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_prepare_v2(OpenPlugin::epgDBConnection->handle(), sql, -1, &statement, nullptr);
+    while (sqlite3_step(statement) == SQLITE_ROW) {
+    }
+    sqlite3_finalize(statement);
+}
+
 void mirror(benchmark::State& state) {
     const LargeGuide guide;
     const Bookings store;
@@ -49,14 +59,25 @@ void mirror(benchmark::State& state) {
 }
 BENCHMARK(mirror)->Name("schedule mirror, 20 bookings")->Unit(benchmark::kMillisecond);
 
-/// Steps one statement to its end on the plug-in's database.
-void stepAll(const char* sql) {
-    sqlite3_stmt* statement = nullptr;
-    sqlite3_prepare_v2(OpenPlugin::epgDBConnection->handle(), sql, -1, &statement, nullptr);
-    while (sqlite3_step(statement) == SQLITE_ROW) {
+void mirrorBare(benchmark::State& state) {
+    const LargeGuide guide;
+    const Bookings store;
+    const auto mirrorOnce = [] {
+        OpenPlugin::m_removeDBSchedData(OpenPlugin::epgDBConnection);
+        OpenPlugin::m_updateDBSchedData(OpenPlugin::epgDBConnection);
+    };
+    mirrorOnce();
+    std::vector<std::string> statements;
+    {
+        epgtest::SqlTrace trace(*OpenPlugin::epgDBConnection);
+        mirrorOnce();
+        statements = trace.statements;
     }
-    sqlite3_finalize(statement);
+    for (auto _ : state)
+        for (const std::string& sql : statements)
+            stepAll(sql.c_str());
 }
+BENCHMARK(mirrorBare)->Name("schedule mirror, 20 bookings/floor")->Unit(benchmark::kMillisecond);
 
 void findProgramme(benchmark::State& state) {
     const LargeGuide guide;
@@ -84,8 +105,20 @@ void listChannels(benchmark::State& state) {
 }
 BENCHMARK(listChannels)->Name("list of 400 channels")->Unit(benchmark::kMillisecond);
 
+/// The large guide's table alone, without indexes.
+class PlainTable {
+public:
+    PlainTable() {
+        for (const char* index : {"myViewEvent", "myViewSchedule", "myViewBooked"})
+            stepAll((std::string("DROP INDEX IF EXISTS ") + index).c_str());
+    }
+
+private:
+    LargeGuide guide_;
+};
+
 void listChannelsBare(benchmark::State& state) {
-    const LargeGuide guide;
+    const PlainTable table;
     for (auto _ : state)
         stepAll(channelList);
 }
@@ -102,7 +135,7 @@ void listProgrammes(benchmark::State& state) {
 BENCHMARK(listProgrammes)->Name("first page of 89,600 programmes")->Unit(benchmark::kMillisecond);
 
 void listProgrammesBare(benchmark::State& state) {
-    const LargeGuide guide;
+    const PlainTable table;
     for (auto _ : state)
         stepAll(programmeList);
 }
