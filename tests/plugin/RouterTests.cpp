@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <initializer_list>
 
 #include "tests/support/PluginTest.h"
+#include "tests/support/SqlTrace.h"
+#include "tests/support/TestReminders.h"
 
 namespace epgtest {
 namespace {
@@ -182,6 +185,93 @@ TEST_F(Router, Answers404WithoutAPathOrAMethod) {
     log.clear();
     EXPECT_EQ(plugin()->ExecuteClientQuery(document, nullptr, path, invalid, nullptr, 0, nullptr), 404);
     EXPECT_THAT(linesAt(Logger::Trace), Contains(message).Times(1));
+}
+
+TEST_F(Router, MirrorsTheStoreBeforeItLooksAtTheRequest) {
+    TestReminders store;
+    CRemindInfo& booking = store.book(1, 17, CReminder::RESERVE_RECORD, CReminder::REPEAT_ONCE);
+    booking.SetTitle({0x4100});
+    booking.Set(7, 0, 0, TCChannel::GetDigitalChType(Air), 0);
+    const TestPath path("epg2/antennas");
+    const TestQuery valid("");
+    const TestQuery invalid("sort=x");
+    const TestDocument document;
+    const auto booked = [] { return table("SELECT EventId FROM myView WHERE ScheduleId='sch_id_17'"); };
+    const auto ask = [&](const char* method, TARNO_rstr_uri_path_st* pathRecord, const TestQuery& query) {
+        table("UPDATE myView SET ScheduleId=''");
+        log.clear();
+        const int status =
+            plugin()->ExecuteClientQuery(document, method, pathRecord, query, nullptr, 0, nullptr);
+        EXPECT_EQ(linesAt(Logger::Trace).front(), "Getting remind items\n") << "nothing is traced before";
+        EXPECT_THAT(booked(), ElementsAre(Row{"pid-000-7-0-1"}));
+        return status;
+    };
+    EXPECT_EQ(ask("GET", path, valid), 200);
+    EXPECT_EQ(ask("GET", path, invalid), 400);
+    EXPECT_EQ(ask("GET", nullptr, invalid), 404);
+    EXPECT_EQ(ask(nullptr, path, invalid), 404);
+}
+
+TEST_F(Router, ClearsTheMirrorBeforeItFillsIt) {
+    TestReminders store;
+    CRemindInfo& booking = store.book(2, 5, CReminder::RESERVE_VIEW, CReminder::REPEAT_ONCE);
+    booking.SetTitle({0x4100});
+    booking.Set(7, 0, 0, TCChannel::GetDigitalChType(Air), 0);
+    route("GET", "antennas");
+    SqlTrace trace(*OpenPlugin::epgDBConnection);
+    route("GET", "antennas");
+    EXPECT_THAT(
+        trace.statements,
+        ElementsAre("SELECT ScheduleId, ProgramName FROM myView WHERE NOT ScheduleId='';",
+                    "UPDATE myView SET ScheduleId=NULL, ScheduleType=NULL, Repeat=NULL WHERE "
+                    "ScheduleId='sch_id_5';",
+                    "UPDATE myView SET ScheduleId='sch_id_5', ScheduleType='VIEW', Repeat='ONCE' WHERE "
+                    "ChannelId='cid-000-7' AND EventId='pid-000-7-0-2';"));
+}
+
+TEST_F(Router, DoesNotMirrorForACommand) {
+    SqlTrace trace(*OpenPlugin::epgDBConnection);
+    command("sql=SELECT+1");
+    EXPECT_THAT(trace.statements, ElementsAre("SELECT 1"));
+    EXPECT_THAT(linesAt(Logger::Trace), Not(Contains("Getting remind items\n")));
+}
+
+TEST_F(Router, TracesTheCallThatChangesAProgrammesSchedule) {
+    for (const char* method : {"PUT", "POST", "DELETE"}) {
+        SCOPED_TRACE(method);
+        log.clear();
+        EXPECT_EQ(route(method, "programs/pid-000-7-0-1/schedule"), 404);  // there is no store
+        auto lines = linesAt(Logger::Trace);
+        lines.erase(lines.begin(), std::ranges::find(lines, "Schedule method being invoked!!\n"));
+        EXPECT_THAT(lines,
+                    ElementsAre("Schedule method being invoked!!\n", "Pre call to t_programs_id_schedule\n",
+                                "Return values from t_programs_id_schedule: 404\n",
+                                "Post call to t_programs_id_schedule\n",
+                                "return val from t_programs_id_schedule: 404 \n"));
+        EXPECT_THAT(adapterLog(), ElementsAre("t_programs_id_schedule"));
+    }
+}
+
+TEST_F(Router, TracesTheCallThatChangesASchedule) {
+    for (const char* method : {"PUT", "DELETE"}) {
+        SCOPED_TRACE(method);
+        log.clear();
+        EXPECT_EQ(route(method, "schedules/sch_id_1"), 404);
+        auto lines = linesAt(Logger::Trace);
+        lines.erase(lines.begin(), std::ranges::find(lines, "Pre call to t_schedules_id\n"));
+        EXPECT_THAT(lines, ElementsAre("Pre call to t_schedules_id\n", "Post call to t_schedules_id\n",
+                                       "return val from t_schedules_id: 404 \n"));
+    }
+}
+
+TEST_F(Router, TracesTheCallThatAddsASchedule) {
+    for (const char* method : {"PUT", "POST", "DELETE"}) {
+        SCOPED_TRACE(method);
+        log.clear();
+        EXPECT_EQ(route(method, "schedules"), 204);  // there is no store
+        EXPECT_EQ(linesAt(Logger::Trace).back(), "Pre call to t_schedules\n");
+        EXPECT_THAT(adapterLog(), ElementsAre("t_schedules"));
+    }
 }
 
 TEST_F(Router, TakesNoQueryRecordForNoParameters) {
