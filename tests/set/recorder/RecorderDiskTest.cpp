@@ -4,7 +4,7 @@
 #include "set/recorder/Recorder.h"
 #include "set/recorder/RecordingsQuota.h"
 #include "tests/set/recorder/RecorderFixture.h"
-#include "tests/set/recorder/SmallDisk.h"
+#include "tests/support/SmallDisk.h"
 
 namespace epgset {
 namespace {
