@@ -30,7 +30,7 @@ std::shared_ptr<const epgset::Guide> measuredGuide() {
     if (path == nullptr) return epgset::demoGuide(epgbench::guideStart);
     epgset::EventIds ids;
     epgset::GuideSources sources;
-    sources.guides = {path};
+    sources.guides = {std::string(path)};
     sources.now = epgbench::guideStart;
     return epgset::loadGuide(sources, ids).guide;
 }

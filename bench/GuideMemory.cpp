@@ -6,6 +6,7 @@
 #include <exception>
 #include <fstream>
 #include <memory>
+#include <string>
 
 #include "bench/SyntheticGuide.h"
 #include "set/guide/GuideLoader.h"
@@ -31,7 +32,7 @@ int main(int argc, char** argv) {
     try {
         epgset::EventIds ids;
         epgset::GuideSources sources;
-        sources.guides = {argv[1]};
+        sources.guides = {std::string(argv[1])};
         sources.now = epgbench::guideStart;
         const long before = residentBytes();
         const std::shared_ptr<const epgset::Guide> guide = epgset::loadGuide(sources, ids).guide;
