@@ -5,7 +5,7 @@
 
 #include <fstream>
 #include <iterator>
-#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -74,8 +74,15 @@ TEST_F(ConfigurationTest, ComesWithThePackageWithEveryOptionInIt) {
     std::ifstream shipped(EPG_SHIPPED_CONFIGURATION);
     const std::string text{std::istreambuf_iterator<char>(shipped), {}};
     EXPECT_THAT(read(text), testing::SizeIs(4));  // those that the package has its own mind of
-    // "# OPTION = VALUE" states a default.
-    const std::string all = std::regex_replace(text, std::regex("\n# ([a-z-]+ = )"), "\n$1");
+    // "# OPTION = VALUE" states a default; other comments begin with more than one word.
+    std::string all;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t sign = line.find(" = ");
+        const bool isDefault =
+            sign != std::string::npos && line.starts_with("# ") && sign == line.find(' ', 2);
+        all += (isDefault ? line.substr(2) : line) + '\n';
+    }
     std::vector<const OptionEntry*> named;
     for (const ConfiguredOption& configured : read(all))
         named.push_back(configured.option);
