@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <utility>
 
 #include "host/Logger.h"
@@ -25,6 +27,7 @@
 #include "set/recorder/Recorder.h"
 #include "set/recorder/StorageSpace.h"
 #include "set/upnp/WebRoot.h"
+#include "set/web/GuardedHandler.h"
 #include "set/web/HttpServer.h"
 #include "set/web/ListenSocket.h"
 #include "set/web/MaintenanceTimer.h"
@@ -81,8 +84,34 @@ void warmUp(PluginHost& plugin) {
     }
 }
 
+AccessSettings accessSettings(const Options& options) {
+    AccessSettings settings{options.hostNames, options.allowedOrigins, options.token};
+    settings.hostNames.push_back(options.listen);
+    return settings;
+}
+
+/// What a file holds. Throws StartError, which names the option.
+std::string textOf(const std::string& file, const char* option) {
+    std::ifstream stream(file, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(stream), {}};
+    if (!stream || text.empty()) throw StartError(std::string(option) + ": " + file + " cannot be read");
+    return text;
+}
+
+HttpServer::Limits serverLimits(const Options& options) {
+    HttpServer::Limits limits;
+    if (options.tlsCert.empty() != options.tlsKey.empty()) {
+        throw StartError("--tls-cert and --tls-key are given together");
+    }
+    if (options.tlsCert.empty()) return limits;
+    limits.certificate = textOf(options.tlsCert, "--tls-cert");
+    limits.key = textOf(options.tlsKey, "--tls-key");
+    return limits;
+}
+
 void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket socket, GuideSource& source,
-                       GuideRefresh& refresh, Reminders& reminders, std::size_t answerCache) {
+                       GuideRefresh& refresh, Reminders& reminders, const Options& options,
+                       const HttpServer::Limits& limits) {
     GuideNews news(events(), secondMaintenance);
     const auto maintain = [&] {
         plugin.maintain();
@@ -101,9 +130,10 @@ void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket s
         timer.callIn(std::chrono::seconds(0));
         timer.callIn(secondMaintenance);
     };
-    SetRoutes routes(plugin, facts, PageFiles(shippedPage()), answerCache);
-    const std::string url = socket.url();
-    const HttpServer server(std::move(socket), routes);
+    SetRoutes routes(plugin, facts, PageFiles(shippedPage()), static_cast<std::size_t>(options.answerCache));
+    GuardedHandler guarded(routes, accessSettings(options));
+    const std::string url = socket.url(!limits.certificate.empty());
+    const HttpServer server(std::move(socket), guarded, limits);
     std::cout << "listening on " << url << std::endl;
     tellServiceManager(ServiceState::Ready);
     for (;;) {
@@ -123,6 +153,7 @@ void runEpghost(const Options& options) {
     endOnStop();
     ListenSocket socket(options.listen, options.port);
     StateFolder state(options.state.empty() ? defaultStateFolder() : options.state);
+    const HttpServer::Limits limits = serverLimits(options);
     const PluginLibrary library(findPluginFile(options.plugin));
     const ClockInUse clock(options);
     GuideSource source(options, state);
@@ -148,8 +179,7 @@ void runEpghost(const Options& options) {
                         folder.string(),  freeBytes(folder), reminders.nextDue(nextEntries)};
     };
     const SetFacts facts{options.pvr, processZoneName(), stateNow};
-    serveUntilStopped(plugin, facts, std::move(socket), source, refresh, reminders,
-                      static_cast<std::size_t>(options.answerCache));
+    serveUntilStopped(plugin, facts, std::move(socket), source, refresh, reminders, options, limits);
 }
 
 }  // namespace epgset

@@ -12,6 +12,7 @@
 #include "set/epghost/TimeOption.h"
 #include "set/log/LogControl.h"
 #include "set/recorder/PvrState.h"
+#include "set/web/AccessRules.h"
 
 namespace epgset {
 namespace {
@@ -113,6 +114,39 @@ std::string takePort(Options& options, Text text) {
     return takeNumber(options.port, text, 0, 65535);
 }
 
+std::string takeHostName(Options& options, Text text) {
+    std::string name;
+    std::string fault = takeText(name, text);
+    if (fault.empty()) options.hostNames.push_back(name);
+    return fault;
+}
+
+std::string takeOrigin(Options& options, Text text) {
+    const auto scheme = text.find("://");
+    const bool good = scheme != std::string::npos && scheme + 3 < text.size() &&
+                      text.find('/', scheme + 3) == std::string::npos;
+    if (!good) return inQuotes(text) + " is no origin such as http://tablet.example:3000";
+    options.allowedOrigins.push_back(text);
+    return {};
+}
+
+std::string takeToken(Options& options, Text text) {
+    try {
+        options.token = readToken(text);
+        return good;
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+}
+
+std::string takeCertificate(Options& options, Text text) {
+    return takeText(options.tlsCert, text);
+}
+
+std::string takeKey(Options& options, Text text) {
+    return takeText(options.tlsKey, text);
+}
+
 std::string takePvr(Options& options, Text text) {
     if (!pvrStateOf(text)) return notOneOf(text, pvrWords);
     options.pvr = text;
@@ -162,6 +196,16 @@ constexpr auto table = std::to_array<OptionEntry>({
      false, takePlugin},
     {"listen", "ADDRESS", "Address to listen on", "127.0.0.1", Form::Text, false, takeListen},
     {"port", "N", "Port to listen on; 0 takes a free one", "8080", Form::Number, false, takePort},
+    {"host-name", "NAME",
+     "A name that the set is called by, beside its addresses and localhost; may be repeated", "none",
+     Form::Text, true, takeHostName},
+    {"allow-origin", "ORIGIN", "Another site whose pages may ask the set; may be repeated", "none",
+     Form::Text, true, takeOrigin},
+    {"token", "FILE", "A file with the token that every request has to bring", "none is asked for",
+     Form::Text, false, takeToken},
+    {"tls-cert", "FILE", "Serve HTTPS with this certificate (PEM), with --tls-key", "HTTP", Form::Text, false,
+     takeCertificate},
+    {"tls-key", "FILE", "The certificate's key (PEM)", "none", Form::Text, false, takeKey},
     {"pvr", pvrWords, "What the set says of its ability to record", "on", Form::Text, false, takePvr},
     {"now", "TIME", "The set's clock starts at this time (ISO 8601) and runs on from it", "the system clock",
      Form::Text, false, takeNow},

@@ -126,7 +126,16 @@ private:
 
 HttpServer::Connections::Connections(ListenSocket socket, WebHandler& handler, const Limits& limits)
     : handler_(handler), limits_(limits) {
-    constexpr unsigned flags = MHD_USE_EPOLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG;
+    const bool secure = !limits.certificate.empty();
+    const unsigned flags = MHD_USE_EPOLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG |
+                           (secure ? static_cast<unsigned>(MHD_USE_TLS) : 0U);
+    std::vector<MHD_OptionItem> options;
+    if (secure) {
+        // The library only reads the texts.
+        options.push_back({MHD_OPTION_HTTPS_MEM_KEY, 0, const_cast<char*>(limits.key.c_str())});
+        options.push_back({MHD_OPTION_HTTPS_MEM_CERT, 0, const_cast<char*>(limits.certificate.c_str())});
+    }
+    options.push_back({MHD_OPTION_END, 0, nullptr});
     daemon_ = MHD_start_daemon(flags, 0, nullptr, nullptr, &continueExchange, this,                        //
                                MHD_OPTION_EXTERNAL_LOGGER, &logLibraryMessage, nullptr,                    //
                                MHD_OPTION_LISTEN_SOCKET, socket.descriptor(),                              //
@@ -138,8 +147,11 @@ HttpServer::Connections::Connections(ListenSocket socket, WebHandler& handler, c
                                MHD_OPTION_UNESCAPE_CALLBACK, &keepEscapes, nullptr,                        //
                                MHD_OPTION_URI_LOG_CALLBACK, &startExchange, this,                          //
                                MHD_OPTION_NOTIFY_COMPLETED, &endExchange, this,                            //
+                               MHD_OPTION_ARRAY, options.data(),                                           //
                                MHD_OPTION_END);
-    if (daemon_ == nullptr) throw ListenError("the HTTP server cannot be started");
+    if (daemon_ == nullptr)
+        throw ListenError(secure ? "the HTTPS server cannot be started with this certificate and key"
+                                 : "the HTTP server cannot be started");
     socket.release();  // the daemon closes it
 }
 

@@ -24,6 +24,8 @@ public:
         std::chrono::seconds idle{30};         ///< a connection that is silent for so long is closed
         std::chrono::seconds body{60};         ///< a body that takes longer ends its connection
         std::uint64_t discard = 16ULL << 20U;  ///< longest stated length of a body that is read, in bytes
+        std::string certificate;               ///< PEM, with `key`: HTTPS is served; empty: HTTP
+        std::string key;                       ///< PEM
     };
 
     /// Starts serving. The handler must outlive the server. Throws ListenError.

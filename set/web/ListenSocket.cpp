@@ -70,7 +70,7 @@ int ListenSocket::release() {
     return std::exchange(descriptor_, -1);
 }
 
-std::string ListenSocket::url() const {
+std::string ListenSocket::url(bool secure) const {
     sockaddr_storage storage{};
     socklen_t length = sizeof storage;
     auto* address = reinterpret_cast<sockaddr*>(&storage);
@@ -81,8 +81,8 @@ std::string ListenSocket::url() const {
                     NI_NUMERICHOST | NI_NUMERICSERV) != 0) {
         throw ListenError("cannot tell the address that is listened on");
     }
-    const char* form = storage.ss_family == AF_INET6 ? "http://[{}]:{}/" : "http://{}:{}/";
-    return fmt::format(fmt::runtime(form), host.data(), port.data());
+    const char* form = storage.ss_family == AF_INET6 ? "{}://[{}]:{}/" : "{}://{}:{}/";
+    return fmt::format(fmt::runtime(form), secure ? "https" : "http", host.data(), port.data());
 }
 
 }  // namespace epgset

@@ -28,8 +28,8 @@ public:
     /// Hands the descriptor over to the caller, who closes it.
     int release();
 
-    /// "http://ADDRESS:PORT/" with the numeric address and the port in use.
-    std::string url() const;
+    /// "http://ADDRESS:PORT/" with the numeric address and the port in use, or "https://...".
+    std::string url(bool secure = false) const;
 
 private:
     int descriptor_ = -1;

@@ -87,7 +87,7 @@ TEST_F(Http, SendsHeadersAloneForHead) {
     EXPECT_EQ("", head.body);
     EXPECT_EQ(std::to_string(get.body.size()), head.header("content-length"));
     RawConnection connection(set().url());
-    connection.send("HEAD /ws/epg2/channels HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n");
+    connection.send("HEAD /ws/epg2/channels HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n");
     EXPECT_THAT(connection.receiveAll(), EndsWith("\r\n\r\n"));
 }
 
@@ -110,7 +110,7 @@ TEST_F(Http, AcceptsABodyUpToTheLimitAndNoLonger) {
 
 TEST_F(Http, TreatsAChunkedBodyLikeAnother) {
     const std::string head =
-        "PUT /ws/epg2/other HTTP/1.1\r\nHost: x\r\nConnection: close\r\n"
+        "PUT /ws/epg2/other HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n"
         "Transfer-Encoding: chunked\r\n\r\n";
     const std::string limit(2097152, ' ');
     RawConnection fits(set().url());
@@ -132,10 +132,10 @@ TEST_F(Http, SurvivesRequestsOfAnyBytes) {
     using namespace std::string_literals;
     for (const std::string& bytes : {
              "\0\xFF\xFE garbage\r\n\r\n"s,
-             "GET /ws/epg2/\xFF\xC0\x80?q=\xFF HTTP/1.1\r\nHost: x\r\n\r\n"s,
-             "GET /ws/epg2/channels?sort=%FF%FE&%=%&=&&;+ HTTP/1.1\r\nHost: x\r\n\r\n"s,
-             "PUT /ws/epg2/schedules HTTP/1.1\r\nHost: x\r\nContent-Length: 4\r\n\r\n\0\xFF{\""s,
-             "GET /ws/epg2?sql=\xFF%27%22 HTTP/1.1\r\nHost: x\r\nAccept: \xFF\xFExml\r\n\r\n"s,
+             "GET /ws/epg2/\xFF\xC0\x80?q=\xFF HTTP/1.1\r\nHost: localhost\r\n\r\n"s,
+             "GET /ws/epg2/channels?sort=%FF%FE&%=%&=&&;+ HTTP/1.1\r\nHost: localhost\r\n\r\n"s,
+             "PUT /ws/epg2/schedules HTTP/1.1\r\nHost: localhost\r\nContent-Length: 4\r\n\r\n\0\xFF{\""s,
+             "GET /ws/epg2?sql=\xFF%27%22 HTTP/1.1\r\nHost: localhost\r\nAccept: \xFF\xFExml\r\n\r\n"s,
              "POST /ws/epg2 HTTP/1.1\r\nContent-Length: 99999999999999999999\r\n\r\n"s,
              "GET " + std::string(200000, '/') + " HTTP/1.1\r\n\r\n",
          }) {
@@ -151,7 +151,7 @@ TEST_F(Http, SurvivesRequestsOfAnyBytes) {
 
 TEST_F(Http, ReadsARequestThatComesByteByByte) {
     RawConnection connection(set().url());
-    for (const char byte : std::string("GET /set/status HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n")) {
+    for (const char byte : std::string("GET /set/status HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n")) {
         connection.send({&byte, 1});
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
@@ -177,10 +177,10 @@ TEST_F(Http, KeepsAConnectionOpen) {
 TEST_F(Http, AnswersPipelinedRequests) {
     std::string requests;
     for (int count = 0; count < 10; ++count) {
-        requests += "GET /ws/epg2/other HTTP/1.1\r\nHost: x\r\n\r\n";
+        requests += "GET /ws/epg2/other HTTP/1.1\r\nHost: localhost\r\n\r\n";
     }
     RawConnection connection(set().url());
-    connection.send(requests + "GET /set/status HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n");
+    connection.send(requests + "GET /set/status HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n");
     const std::string answers = connection.receiveAll();
     EXPECT_THAT(answers, HasSubstr("\"clock\""));
     int count = 0;

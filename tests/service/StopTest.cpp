@@ -82,7 +82,7 @@ TEST(Stop, EndsWhileClientsAreConnected) {
     RunningSet set({"--guide", smallGuide});
     RawConnection idle(set.url());
     RawConnection halfway(set.url());
-    halfway.send("PUT /ws/epg2/schedules HTTP/1.1\r\nHost: x\r\nContent-Length: 100\r\n\r\n{");
+    halfway.send("PUT /ws/epg2/schedules HTTP/1.1\r\nHost: localhost\r\nContent-Length: 100\r\n\r\n{");
     HttpClient(set.url()).get("/set/status");
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(0, set.process().stop());
