@@ -123,11 +123,11 @@ std::string takeHostName(Options& options, Text text) {
 
 std::string takeOrigin(Options& options, Text text) {
     const auto scheme = text.find("://");
-    const bool good = scheme != std::string::npos && scheme + 3 < text.size() &&
-                      text.find('/', scheme + 3) == std::string::npos;
-    if (!good) return inQuotes(text) + " is no origin such as http://tablet.example:3000";
+    const bool isOrigin = scheme != std::string::npos && scheme + 3 < text.size() &&
+                          text.find('/', scheme + 3) == std::string::npos;
+    if (!isOrigin) return inQuotes(text) + " is no origin such as http://tablet.example:3000";
     options.allowedOrigins.push_back(text);
-    return {};
+    return good;
 }
 
 std::string takeToken(Options& options, Text text) {
