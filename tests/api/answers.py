@@ -31,6 +31,8 @@ class AnswerCheck:
             return [f"{name}: the method {exchange['method']} is not described"]
         status = str(exchange["status"])
         if status not in responses:
+            name, responses = "anything", self.description.document.get("x-everywhere", {})
+        if status not in responses:
             return [f"{name}: the status {status} is not described"]
         response = self.description.resolve(responses[status])
         content_type = exchange["headers"].get("content-type", "") if exchange["body"] else ""
@@ -62,7 +64,8 @@ class AnswerCheck:
 
     def _header_faults(self, headers, response):
         faults = []
-        described = {key.lower(): node for key, node in response.get("headers", {}).items()}
+        everywhere = self.description.document.get("x-everywhere-headers", {})
+        described = {key.lower(): node for key, node in (everywhere | response.get("headers", {})).items()}
         for key, node in described.items():
             node = self.description.resolve(node)
             if key in headers:

@@ -30,7 +30,7 @@ protected:
 
     /// A raw request to add a schedule, with this line in its head.
     static std::string postWith(const std::string& line) {
-        return "POST /ws/epg2/schedules HTTP/1.1\r\nHost: x\r\nConnection: close\r\n" + line + "\r\n";
+        return "POST /ws/epg2/schedules HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n" + line + "\r\n";
     }
 
     static std::string lengthLine(std::size_t length) {
