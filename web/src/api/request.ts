@@ -41,6 +41,8 @@ export async function request(method: string, path: string, options: RequestOpti
         if (error instanceof DOMException && error.name === "AbortError") throw error;
         throw new RequestError("The set does not answer.");
     }
+    // The set asks for its token: it comes back here when it has been given.
+    if (response.status === 401) location.assign("/set/login");
     return {
         status: response.status,
         data: parsed(text, response.headers.get("Content-Type")),
