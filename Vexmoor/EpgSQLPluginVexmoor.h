@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Vexmoor/EpgSQLPluginVexmoorUtil.h"
+#include "Vexmoor/MirrorState.h"
 #include "host/Connection.h"
 #include "host/Logger.h"
 #include "host/Mutex.h"
@@ -253,6 +254,9 @@ protected:  // open to derived classes, so that each operation can be tried alon
 
     // Schedule mirror ----------------------------------------------------------------------------
 
+    /// Brings the table in line with the store's bookings, unless nothing has changed since it was.
+    static void m_mirrorSchedules(ConnectionPtr connection);
+
     /// Clears the schedule columns, and the rows of manual bookings; 0.
     static int m_removeDBSchedData(ConnectionPtr connection);
 
@@ -304,6 +308,8 @@ protected:  // open to derived classes, so that each operation can be tried alon
     /// two requests may write them at once; the last one wins.
     static std::atomic<std::int32_t> channelCounts[32];
     static std::atomic<std::int32_t> programCounts[32];
+
+    static MirrorState mirrorState;  ///< of the table in use
 };
 
 /// Names fixed at creation.

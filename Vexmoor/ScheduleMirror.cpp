@@ -2,7 +2,9 @@
 #include <initializer_list>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Vexmoor/ColumnText.h"
@@ -60,7 +62,89 @@ int run(Statement& statement, const std::string& sql) {
     return sqlite3_step(statement.handle());
 }
 
+/// The database of a connection; null without one.
+sqlite3* handleOf(const Container::SharedPtr<Connection>& connection) {
+    return connection ? connection->handle() : nullptr;
+}
+
+/// What of a booking goes into the table.
+struct Booking {
+    ChannelSource channel;
+    std::string programId;
+    std::string scheduleId;
+    std::string scheduleType;
+    std::string repeat;
+    std::string start;
+    std::string end;
+    bool titled = false;  ///< made from a programme
+
+    /// A field of the channel, empty when it is absent.
+    std::string field(char* ws_epg_channel_source::*member) const {
+        return channel ? textOf(channel.get()->*member) : std::string();
+    }
+};
+
+/// The booking as the table holds it; nothing when its channel is not there.
+std::optional<Booking> readBooking(CRemindInfo& info) {
+    const std::unique_ptr<TCChannel> channel(
+        t_get_cached_channel_by_num(TCChannel::GetTVMode(info.ChannelType()), info.Major(), info.Minor()));
+    TCProgram program;
+    info.CopyDetailsInto(program);
+    if (!channel) return std::nullopt;
+    Booking booking;
+    booking.channel.reset(t_create_channel_source(channel.get()));
+    pluginLogger.trace("Determining program name..\n");
+    booking.programId = takeText(t_get_program_id(channel.get(), &program));
+    pluginLogger.trace("Determining schedule details\n");
+    const unsigned short* title = info.GetTitle();
+    booking.titled = title != nullptr && title[0] != 0;
+    booking.scheduleId = takeText(t_get_schedule_id(&info));
+    booking.scheduleType = takeText(t_get_schedule_status_str(info.ReserveType()));
+    booking.repeat = takeText(t_get_schedule_repeat(&info));
+    booking.start = std::to_string(program.StartTime());
+    booking.end = std::to_string(program.EndTime());
+    return booking;
+}
+
+/// All that the mirror puts into the table, as one text; nothing when a channel is not there.
+std::optional<std::string> describeBookings() {
+    std::string described;
+    CReminder* reminder = CReminder::GetInstance();
+    if (reminder == nullptr) return described;
+    int count = 0;
+    std::vector<CRemindInfo> items;
+    reminder->GetRemindItemByType(count, items, allBookings);
+    const auto add = [&described](const std::string& text) {
+        described.append(std::to_string(text.size())).append(":").append(text);
+    };
+    for (int i = 0; i < count && i < static_cast<int>(items.size()); ++i) {
+        const std::optional<Booking> booking = readBooking(items[static_cast<std::size_t>(i)]);
+        if (!booking) return std::nullopt;
+        for (const auto member : {&ws_epg_channel_source::channel_id, &ws_epg_channel_source::channel_num,
+                                  &ws_epg_channel_source::channel_name, &ws_epg_channel_source::service_type,
+                                  &ws_epg_channel_source::antenna, &ws_epg_channel_source::scrambled})
+            add(booking->field(member));
+        for (const std::string* text : {&booking->programId, &booking->scheduleId, &booking->scheduleType,
+                                        &booking->repeat, &booking->start, &booking->end})
+            add(*text);
+        described += booking->titled ? 't' : 'm';
+    }
+    return described;
+}
+
 }  // namespace
+
+void EpgSQLPluginVexmoor::m_mirrorSchedules(ConnectionPtr connection) {
+    // At trace level the mirror tells its steps, and therefore takes them.
+    std::optional<std::string> bookings;
+    if (!pluginLogger.isTraceEnabled()) bookings = describeBookings();
+    if (bookings && mirrorState.holds(handleOf(connection), *bookings)) return;
+    const MirrorState::Change change(mirrorState);
+    mirrorState.begin(handleOf(connection));
+    m_removeDBSchedData(connection);
+    m_updateDBSchedData(connection);
+    if (bookings) mirrorState.finish(handleOf(connection), std::move(*bookings));
+}
 
 int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
     Statement scheduled;
@@ -69,7 +153,8 @@ int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
     scheduled.compile();
     Statement change;
     change.setConnection(connection);
-    while (sqlite3_step(scheduled.handle()) == SQLITE_ROW) {
+    int result = sqlite3_step(scheduled.handle());
+    for (; result == SQLITE_ROW; result = sqlite3_step(scheduled.handle())) {
         const std::string id = columnText(scheduled.handle(), 0);
         const std::string name = columnText(scheduled.handle(), 1);
         pluginLogger.trace("A schedule has been found:%s, %s\n", id, name);
@@ -80,8 +165,11 @@ int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
                 : "UPDATE myView SET ScheduleId=NULL, ScheduleType=NULL, Repeat=NULL WHERE ScheduleId='" +
                       id + "';";
         // The step answers SQLITE_DONE on success and not 0: the trace stays silent, as it should.
-        if (run(change, sql) == SQLITE_OK) pluginLogger.trace("Removed/Updated schedule entry in DB.\n");
+        const int changed = run(change, sql);
+        mirrorState.ended(handleOf(connection), changed, true);
+        if (changed == SQLITE_OK) pluginLogger.trace("Removed/Updated schedule entry in DB.\n");
     }
+    mirrorState.ended(handleOf(connection), result, false);
     scheduled.close();
     change.close();
     return 0;
@@ -100,45 +188,34 @@ int EpgSQLPluginVexmoor::m_updateDBSchedData(ConnectionPtr connection) {
     for (int i = 0; i < count && i < static_cast<int>(items.size()); ++i) {
         pluginLogger.trace("Getting remind item: %d\n", i);
         CRemindInfo info = items[static_cast<std::size_t>(i)];
-        const std::unique_ptr<TCChannel> channel(t_get_cached_channel_by_num(
-            TCChannel::GetTVMode(info.ChannelType()), info.Major(), info.Minor()));
-        TCProgram program;
-        info.CopyDetailsInto(program);
-        if (!channel) {
+        const std::optional<Booking> booking = readBooking(info);
+        if (!booking) {
             pluginLogger.error("ERROR! get remind item failed!\n");
             update.close();
             return -1;
         }
-        const ChannelSource source(t_create_channel_source(channel.get()));
-        const auto field = [&source](char* ws_epg_channel_source::*member) {
-            return source ? textOf(source.get()->*member) : std::string();
-        };
-        const std::string channelId = field(&ws_epg_channel_source::channel_id);
-        pluginLogger.trace("Determining program name..\n");
-        const std::string programId = takeText(t_get_program_id(channel.get(), &program));
-        pluginLogger.trace("Determining schedule details\n");
-        const unsigned short* title = info.GetTitle();
-        const std::string scheduleId = takeText(t_get_schedule_id(&info));
-        const std::string scheduleType = takeText(t_get_schedule_status_str(info.ReserveType()));
-        const std::string repeat = takeText(t_get_schedule_repeat(&info));
-
-        if (title != nullptr && title[0] != 0) {
-            const std::string sql = "UPDATE myView SET ScheduleId='" + scheduleId + "', ScheduleType='" +
-                                    scheduleType + "', Repeat='" + repeat + "' WHERE ChannelId='" +
-                                    channelId + "' AND EventId='" + programId + "';";
+        const std::string channelId = booking->field(&ws_epg_channel_source::channel_id);
+        if (booking->titled) {
+            const std::string sql = "UPDATE myView SET ScheduleId='" + booking->scheduleId +
+                                    "', ScheduleType='" + booking->scheduleType + "', Repeat='" +
+                                    booking->repeat + "' WHERE ChannelId='" + channelId + "' AND EventId='" +
+                                    booking->programId + "';";
             pluginLogger.trace("SQL STATEMENT: %s\n", sql);
-            if (run(update, sql) == SQLITE_DONE) pluginLogger.trace("Schedule data updated!\n");
+            const int result = run(update, sql);
+            mirrorState.ended(handleOf(connection), result, true);
+            if (result == SQLITE_DONE) pluginLogger.trace("Schedule data updated!\n");
             continue;
         }
-        pluginLogger.trace("Remind info: ChnldId: %s, EventId: %s, SchedId: %s\n", channelId, programId,
-                           scheduleId);
-        if (m_checkIfEventIsInDB(channelId, programId, scheduleId, connection)) continue;
-        m_insertSchedData(channelId, field(&ws_epg_channel_source::channel_num),
-                          field(&ws_epg_channel_source::channel_name),
-                          field(&ws_epg_channel_source::service_type), field(&ws_epg_channel_source::antenna),
-                          field(&ws_epg_channel_source::scrambled), programId,
-                          std::to_string(program.StartTime()), std::to_string(program.EndTime()), scheduleId,
-                          scheduleType, repeat, connection);
+        pluginLogger.trace("Remind info: ChnldId: %s, EventId: %s, SchedId: %s\n", channelId,
+                           booking->programId, booking->scheduleId);
+        if (m_checkIfEventIsInDB(channelId, booking->programId, booking->scheduleId, connection)) continue;
+        m_insertSchedData(channelId, booking->field(&ws_epg_channel_source::channel_num),
+                          booking->field(&ws_epg_channel_source::channel_name),
+                          booking->field(&ws_epg_channel_source::service_type),
+                          booking->field(&ws_epg_channel_source::antenna),
+                          booking->field(&ws_epg_channel_source::scrambled), booking->programId,
+                          booking->start, booking->end, booking->scheduleId, booking->scheduleType,
+                          booking->repeat, connection);
     }
     update.close();
     return 0;
@@ -152,6 +229,7 @@ bool EpgSQLPluginVexmoor::m_checkIfEventIsInDB(const std::string& channelId, con
     statement.setConnection(connection);
     pluginLogger.trace("SQL STATEMENT: %s\n", sql);
     const int result = run(statement, sql);
+    mirrorState.ended(handleOf(connection), result, false);
     pluginLogger.trace("QUERY Result: %d\n\n", result);
     if (result == SQLITE_ROW) pluginLogger.trace("Event entry exist!\n");
     statement.close();
@@ -180,6 +258,7 @@ void EpgSQLPluginVexmoor::m_insertSchedData(const std::string& channelId, const 
     statement.setConnection(connection);
     pluginLogger.trace("SQL STATEMENT: %s\n", sql);
     int result = run(statement, sql);
+    mirrorState.ended(handleOf(connection), result, true);
     pluginLogger.trace("SQL Return code: %d\n", result);
     if (result == SQLITE_DONE) {
         pluginLogger.trace("Schedule data added!\n");
