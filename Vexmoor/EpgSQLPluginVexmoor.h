@@ -19,6 +19,8 @@
 #include "host/Statement.h"
 #include "host/Uri.h"
 
+class CRemindInfo;
+
 /// The class's one logger, "Vexmoor/EpgSQLPluginVexmoor".
 extern const Container::Logger pluginLogger;
 
@@ -262,6 +264,9 @@ protected:  // open to derived classes, so that each operation can be tried alon
 
     /// Writes the store's bookings into them: 0, or -1 when it stopped at a booking without a channel.
     static int m_updateDBSchedData(ConnectionPtr connection);
+
+    /// Does so with these.
+    static int m_writeBookings(std::vector<CRemindInfo>& items, ConnectionPtr connection);
 
     /// Adds the row of a manual booking, pruning the table when it is full.
     static void m_insertSchedData(const std::string& channelId, const std::string& channelNumber,

@@ -1,4 +1,6 @@
 // The schedule mirror: the reminder store's bookings in the table's schedule columns.
+#include <algorithm>
+#include <cstddef>
 #include <initializer_list>
 #include <memory>
 #include <new>
@@ -106,19 +108,24 @@ std::optional<Booking> readBooking(CRemindInfo& info) {
     return booking;
 }
 
-/// All that the mirror puts into the table, as one text; nothing when a channel is not there.
-std::optional<std::string> describeBookings() {
-    std::string described;
-    CReminder* reminder = CReminder::GetInstance();
-    if (reminder == nullptr) return described;
+/// The store's bookings.
+std::vector<CRemindInfo> storedBookings(CReminder& reminder) {
     int count = 0;
     std::vector<CRemindInfo> items;
-    reminder->GetRemindItemByType(count, items, allBookings);
+    reminder.GetRemindItemByType(count, items, allBookings);
+    const auto stated = static_cast<std::size_t>(std::max(count, 0));
+    if (stated < items.size()) items.erase(items.begin() + static_cast<std::ptrdiff_t>(stated), items.end());
+    return items;
+}
+
+/// All that the mirror puts into the table, as one text; nothing when a channel is not there.
+std::optional<std::string> describeBookings(std::vector<CRemindInfo>& items) {
+    std::string described;
     const auto add = [&described](const std::string& text) {
         described.append(std::to_string(text.size())).append(":").append(text);
     };
-    for (int i = 0; i < count && i < static_cast<int>(items.size()); ++i) {
-        const std::optional<Booking> booking = readBooking(items[static_cast<std::size_t>(i)]);
+    for (CRemindInfo& info : items) {
+        const std::optional<Booking> booking = readBooking(info);
         if (!booking) return std::nullopt;
         for (const auto member : {&ws_epg_channel_source::channel_id, &ws_epg_channel_source::channel_num,
                                   &ws_epg_channel_source::channel_name, &ws_epg_channel_source::service_type,
@@ -135,15 +142,25 @@ std::optional<std::string> describeBookings() {
 }  // namespace
 
 void EpgSQLPluginVexmoor::m_mirrorSchedules(ConnectionPtr connection) {
+    const auto mirror = [&connection](const auto& write) {
+        const MirrorState::Change change(mirrorState);
+        mirrorState.begin(handleOf(connection));
+        m_removeDBSchedData(connection);
+        write();
+    };
+    CReminder* reminder = CReminder::GetInstance();
     // At trace level the mirror tells its steps, and therefore takes them.
-    std::optional<std::string> bookings;
-    if (!pluginLogger.isTraceEnabled()) bookings = describeBookings();
+    if (reminder == nullptr || pluginLogger.isTraceEnabled()) {
+        mirror([&connection] { m_updateDBSchedData(connection); });
+        return;
+    }
+    std::vector<CRemindInfo> items = storedBookings(*reminder);
+    const std::optional<std::string> bookings = describeBookings(items);
     if (bookings && mirrorState.holds(handleOf(connection), *bookings)) return;
-    const MirrorState::Change change(mirrorState);
-    mirrorState.begin(handleOf(connection));
-    m_removeDBSchedData(connection);
-    m_updateDBSchedData(connection);
-    if (bookings) mirrorState.finish(handleOf(connection), std::move(*bookings));
+    mirror([&] {
+        m_writeBookings(items, connection);
+        if (bookings) mirrorState.finish(handleOf(connection), *bookings);
+    });
 }
 
 int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
@@ -179,15 +196,16 @@ int EpgSQLPluginVexmoor::m_updateDBSchedData(ConnectionPtr connection) {
     pluginLogger.trace("Getting remind items\n");
     CReminder* reminder = CReminder::GetInstance();
     if (reminder == nullptr) return 0;
-    int count = 0;
-    std::vector<CRemindInfo> items;
-    reminder->GetRemindItemByType(count, items, allBookings);
+    std::vector<CRemindInfo> items = storedBookings(*reminder);
+    return m_writeBookings(items, connection);
+}
 
+int EpgSQLPluginVexmoor::m_writeBookings(std::vector<CRemindInfo>& items, ConnectionPtr connection) {
     Statement update;
     update.setConnection(connection);
-    for (int i = 0; i < count && i < static_cast<int>(items.size()); ++i) {
-        pluginLogger.trace("Getting remind item: %d\n", i);
-        CRemindInfo info = items[static_cast<std::size_t>(i)];
+    int number = 0;
+    for (CRemindInfo& info : items) {
+        pluginLogger.trace("Getting remind item: %d\n", number++);
         const std::optional<Booking> booking = readBooking(info);
         if (!booking) {
             pluginLogger.error("ERROR! get remind item failed!\n");
