@@ -204,12 +204,8 @@ int t_schedules(void* node, const char* method, TARNO_rstr_uri_query_st* /*query
         CRemindInfo entry;
         switch (fillManualEntry(*record, entry)) {
             case ManualInput::Filled:
+            case ManualInput::ChannelChanged:  // the entry is unfilled then, and is asked for all the same
                 return answerOverlaps(node, *store, entry);
-            case ManualInput::ChannelChanged: {  // nothing was filled: nothing overlaps it
-                std::vector<CRemindInfo> none;
-                t_output_reminds(node, none);
-                return 200;
-            }
             case ManualInput::Invalid:
                 adapterLogger.warning("overlapped queried but data setting failed");
                 return 204;

@@ -1,5 +1,6 @@
 #include "set/guide/GuideCollector.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "set/guide/ChannelNumbers.h"
@@ -55,6 +56,43 @@ void GuideCollector::programme(const XmltvProgramme& programme) {
     added.inSeries = programme.episode;
     added.title = keep(programme.title, kLongestName);
     added.synopsis = keep(programme.synopsis, kLongestSynopsis);
+    if (bounds_.programmes > 0 && programmes.size() >= nextLook_) {
+        forgetTexts();
+        nextLook_ = programmes.size() + bounds_.programmes;
+    }
+}
+
+void GuideCollector::forgetTexts() {
+    const std::optional<std::uint32_t> last = lastStartThatMayStay();
+    if (!last) return;
+    TextPool kept;
+    for (CollectedProgramme& programme : programmes) {
+        const bool ended = programme.stop && *programme.stop <= bounds_.now;
+        const bool goes = ended || programme.start > *last;
+        programme.title = goes ? std::string_view() : kept.add(programme.title);
+        programme.synopsis = goes ? std::string_view() : kept.add(programme.synopsis);
+    }
+    texts = std::move(kept);
+}
+
+// Counted are programmes that no other can take the place of, and a quarter more of them than may stay, for
+// those whose end another programme of the same start changes.
+std::optional<std::uint32_t> GuideCollector::lastStartThatMayStay() const {
+    std::vector<bool> shown;
+    shown.reserve(channels.size());
+    for (const CollectedChannel& channel : channels)
+        shown.push_back(channel.defined && !bounds_.hidden(channel.id));
+    std::vector<std::uint64_t> sure;  // start, then channel
+    for (const CollectedProgramme& programme : programmes) {
+        if (!shown[programme.channel] || !programme.stop || *programme.stop <= bounds_.now) continue;
+        sure.push_back(std::uint64_t{programme.start} << 32U | programme.channel);
+    }
+    std::ranges::sort(sure);
+    const auto repeated = std::ranges::unique(sure);
+    sure.erase(repeated.begin(), repeated.end());
+    const std::size_t wanted = bounds_.programmes + bounds_.programmes / 4;
+    if (sure.size() < wanted) return std::nullopt;
+    return static_cast<std::uint32_t>(sure[wanted - 1] >> 32U);
 }
 
 std::string_view GuideCollector::keep(std::string_view text, std::size_t limit) {

@@ -3,10 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "set/guide/TextPool.h"
@@ -65,10 +67,25 @@ struct GuideCounts {
     std::size_t skippedProgrammes() const { return ofUnknownChannel + withoutStart + endingBeforeStart; }
 };
 
+/// What a collector may take for granted of the bounds of the guide cache.
+struct CollectorBounds {
+    std::size_t programmes = 0;  ///< no more are kept in the end; 0: no bound
+    std::int64_t now = 0;        ///< those that have ended by then go first
+    std::function<bool(const std::string& id)> hidden = [](const std::string&) { return false; };
+};
+
 /// Takes what is read of several guides, one after the other. The first guide that defines a channel
 /// describes it; programmes count whichever guide they stand in. Texts are kept up to their limits.
 class GuideCollector : public XmltvSink {
 public:
+    GuideCollector() = default;
+
+    /// Lets go of the texts of programmes that the bounds will surely leave out, so that a guide of any size
+    /// takes the room of the programmes that may stay. The programmes themselves are kept, for others' times
+    /// and for the count of what is left out.
+    explicit GuideCollector(CollectorBounds bounds)
+        : bounds_(std::move(bounds)), nextLook_(2 * bounds_.programmes) {}
+
     /// Begins with another guide.
     void startGuide() { counts_.emplace_back(); }
 
@@ -86,8 +103,12 @@ public:
 
 private:
     std::uint32_t channelIndex(const std::string& id);
+    void forgetTexts();
+    std::optional<std::uint32_t> lastStartThatMayStay() const;
     std::string_view keep(std::string_view text, std::size_t limit);
 
+    CollectorBounds bounds_;
+    std::size_t nextLook_ = 0;  ///< number of programmes at which texts are looked over
     std::unordered_map<std::string, std::uint32_t> indexOfId_;
     std::vector<GuideCounts> counts_;
 };

@@ -137,7 +137,11 @@ void addChannel(GuideBuilder& builder, Channel channel, std::span<const Schedule
 LoadedGuide load(const std::function<void(GuideCollector&)>& collect, const GuideSources& sources,
                  EventIds& ids) {
     const Lineup lineup = sources.lineup ? Lineup(*sources.lineup) : Lineup();
-    GuideCollector collector;
+    const auto isHidden = [&lineup](const std::string& id) {
+        const LineupEntry* const entry = lineup.find(id);
+        return entry && entry->hidden;
+    };
+    GuideCollector collector({sources.maxProgrammes, sources.now, isHidden});
     collect(collector);
     const std::size_t read = collector.programmes.size();
 

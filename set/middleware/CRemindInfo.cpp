@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -37,12 +38,15 @@ CRemindInfo::Text textOf(const TCProgram& program, TextLength length, TextCopy c
     return text;
 }
 
-std::uint32_t localSeconds(std::uint32_t unixSeconds) {
-    return static_cast<std::uint32_t>(std::int64_t{unixSeconds} + epgset::clock().localOffset());
+std::int64_t localSeconds(std::uint32_t unixSeconds) {
+    return std::int64_t{unixSeconds} + epgset::clock().localOffset();
 }
 
+/// What 32 bits cannot count becomes the nearest that they can.
 std::uint32_t unixSeconds(std::uint32_t localSeconds) {
-    return static_cast<std::uint32_t>(std::int64_t{localSeconds} - epgset::clock().localOffset());
+    const std::int64_t seconds = std::int64_t{localSeconds} - epgset::clock().localOffset();
+    return static_cast<std::uint32_t>(
+        std::clamp<std::int64_t>(seconds, 0, std::numeric_limits<std::uint32_t>::max()));
 }
 
 }  // namespace
@@ -61,7 +65,7 @@ void CRemindInfo::Set(const TCProgram& program, int reserveType, int /*reserved*
     Initialise();
     m_reserveType = static_cast<CReminder::RESERVE_TYPE>(reserveType);
     m_eventId = program.EventId();
-    m_startTime = localSeconds(program.StartTime());
+    SetStartTime(localSeconds(program.StartTime()));
     m_duration = program.EndTime() > program.StartTime() ? program.EndTime() - program.StartTime() : 0;
     m_title = textOf(program, &TCProgram::TitleLength, &TCProgram::GetTitle);
     m_synopsis = textOf(program, &TCProgram::ExtendedTextLength, &TCProgram::GetExtendedText);

@@ -100,7 +100,7 @@ TEST_F(RequestParser, LogsAndIgnoresUnknownKeys) {
         EXPECT_THAT(parsed(std::string(R"({")") + key + R"(":"x"})"), IsEmpty()) << key;
         EXPECT_THAT(logged(), ElementsAre(Pair(_, std::string(R"(Unknown items - ")") + key + R"(":"x")")));
         ASSERT_FALSE(log.records().empty());
-EXPECT_EQ(log.records()[0].format, R"(Unknown items - "%s":"%s")");
+        EXPECT_EQ(log.records()[0].format, R"(Unknown items - "%s":"%s")");
     }
 }
 
@@ -129,7 +129,7 @@ TEST_F(RequestParser, OnlyLogsAnUnknownForce) {
                                       Pair(_, R"(Unknown value - "force"(known):"1"(unknown))"),
                                       Pair(_, R"(Unknown value - "force"(known):""(unknown))")));
     ASSERT_FALSE(log.records().empty());
-EXPECT_EQ(log.records()[0].format, R"(Unknown value - "%s"(known):"%s"(unknown))");
+    EXPECT_EQ(log.records()[0].format, R"(Unknown value - "%s"(known):"%s"(unknown))");
 }
 
 TEST_F(RequestParser, SkipsWhiteSpaceAroundKeysAndValues) {
@@ -214,7 +214,7 @@ TEST_F(RequestParser, RefusesAKeyWithoutColon) {
     EXPECT_EQ(refusal("{name}"), noColon(""));
     EXPECT_EQ(refusal(R"({"name":"x",})"), noColon(""));
     ASSERT_FALSE(log.records().empty());
-EXPECT_EQ(log.records()[0].format, "json parsing error. no colon. : %s");
+    EXPECT_EQ(log.records()[0].format, "json parsing error. no colon. : %s");
 }
 
 TEST_F(RequestParser, RefusesAValueWithoutDelimiter) {
@@ -225,7 +225,7 @@ TEST_F(RequestParser, RefusesAValueWithoutDelimiter) {
     EXPECT_EQ(refusal("{name:x"), noComma(""));
     EXPECT_EQ(refusal(R"({"name":"x"])"), noComma("]"));
     ASSERT_FALSE(log.records().empty());
-EXPECT_EQ(log.records()[0].format, "json parsing error. no comma or curly bracket. : %s");
+    EXPECT_EQ(log.records()[0].format, "json parsing error. no comma or curly bracket. : %s");
 }
 
 TEST_F(RequestParser, ReadsOnBehindTheClosingBracket) {

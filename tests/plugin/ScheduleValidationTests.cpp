@@ -133,9 +133,9 @@ TEST_F(RequestValidation, StopsAtTheFirstWordThatFails) {
 TEST_F(RequestValidation, NeverTakesTheBodyForAFormat) {
     expectPasses("%s%n%d%1000000d");
     ASSERT_FALSE(log.records().empty());
-EXPECT_EQ(log.records()[0].format, "validate: Data char buffer: %s\n\n");
+    EXPECT_EQ(log.records()[0].format, "validate: Data char buffer: %s\n\n");
     ASSERT_FALSE(log.records().empty());
-EXPECT_EQ(log.records()[1].format, "Data STRING: %s\n\n");
+    EXPECT_EQ(log.records()[1].format, "Data STRING: %s\n\n");
 }
 
 TEST_F(RequestValidation, DoesNotAskTheRecorder) {

@@ -1,7 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <ctime>
+#include <random>
 #include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/set/guide/GuideLoaderFixture.h"
 
@@ -12,6 +18,16 @@ using test::programme;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+
+/// A UNIX time as XMLTV writes it.
+std::string xmltvTime(std::int64_t time) {
+    const auto seconds = static_cast<std::time_t>(time);
+    std::tm parts{};
+    gmtime_r(&seconds, &parts);
+    char text[16];
+    std::strftime(text, sizeof text, "%Y%m%d%H%M%S", &parts);
+    return text;
+}
 
 class GuideProgrammes : public test::GuideLoaderTest {
 protected:
@@ -196,6 +212,46 @@ TEST_F(GuideProgrammes, BeyondTheTableAreToldOfAndKeptWithoutABound) {
     EXPECT_EQ(loadChannel(programmes).programmes().size(), 5000U);
     EXPECT_EQ(loaded_.guide->programmesDropped(), 0U);
     EXPECT_THAT(warnings(), ElementsAre(HasSubstr("larger than the plug-in's table")));
+}
+
+TEST_F(GuideProgrammes, KeepTheirTextsHoweverManyOthersTheBoundLeavesOut) {
+    constexpr int channels = 10;
+    constexpr int programmesEach = 100;
+    constexpr std::size_t bound = 60;
+    constexpr std::int64_t hour = 3600;
+    std::string text;
+    for (int channel = 0; channel < channels; ++channel)
+        text += "<channel id=\"c" + std::to_string(channel) + "\"/>";
+    // Half of them have ended; each third states no stop; the order is none.
+    std::vector<std::pair<int, int>> order;
+    for (int channel = 0; channel < channels; ++channel) {
+        for (int number = 0; number < programmesEach; ++number)
+            order.emplace_back(channel, number);
+    }
+    std::mt19937 random(1);
+    std::ranges::shuffle(order, random);
+    for (const auto& [channel, number] : order) {
+        const std::int64_t start = kNow + (number - programmesEach / 2) * hour;
+        const std::string stop = number % 3 == 0 ? "" : " stop=\"" + xmltvTime(start + hour) + "\"";
+        const std::string name = std::to_string(channel) + "/" + std::to_string(start);
+        text += "<programme start=\"" + xmltvTime(start) + "\"" + stop + " channel=\"c" +
+                std::to_string(channel) + "\"><title>" + name + "</title><desc>of " + name +
+                "</desc></programme>";
+    }
+    guide(text);
+    sources_.maxProgrammes = bound;
+    const Guide& loaded = load();
+    ASSERT_EQ(loaded.programmes().size(), bound);
+    EXPECT_EQ(loaded.programmesDropped(), channels * programmesEach - bound);
+    for (const Programme& programme : loaded.programmes()) {
+        const std::string name =
+            loaded.channels()[programme.channel].id.substr(1) + "/" + std::to_string(programme.start);
+        EXPECT_EQ(programme.title, name);
+        EXPECT_EQ(programme.synopsis, "of " + name);
+        EXPECT_EQ(programme.stop, programme.start + hour);
+        EXPECT_GE(programme.start, kNow);
+        EXPECT_LT(programme.start, kNow + std::int64_t{bound / channels} * hour);
+    }
 }
 
 }  // namespace

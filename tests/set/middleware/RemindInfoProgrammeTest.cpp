@@ -27,23 +27,28 @@ class RemindInfoProgrammeTest : public ::testing::Test {
 protected:
     RemindInfoProgrammeTest() {
         useClock(&clock_);
+        guideWith(4'000'000'000U, 4'000'003'600U);
+    }
+    ~RemindInfoProgrammeTest() override {
+        useGuide(nullptr);
+        useClock(nullptr);
+    }
+
+    /// A guide with one programme at that time.
+    static void guideWith(std::uint32_t start, std::uint32_t stop) {
         GuideBuilder builder;
         builder.addChannel(makeChannel(0, 1, 0, "Other"));
         Channel channel = makeChannel(3, 7, 2, "Seven");
         channel.ptc = 40'000;
         channel.programNumber = 50'000;
         GuideBuilder::ProgrammeDraft draft;
-        draft.start = 4'000'000'000U;
-        draft.stop = 4'000'003'600U;
+        draft.start = start;
+        draft.stop = stop;
         draft.eventId = 65'535;
         draft.title = "\xCE\xA9 A";
         draft.synopsis = "a\xF0\x9F\x98\x80";
         builder.addProgramme(builder.addChannel(channel), draft);
         useGuide(builder.finish());
-    }
-    ~RemindInfoProgrammeTest() override {
-        useGuide(nullptr);
-        useClock(nullptr);
     }
 
     static TCProgram programme() {
@@ -89,6 +94,18 @@ TEST_F(RemindInfoProgrammeTest, IsOfTheTypeThatItWasMadeAs) {
     EXPECT_EQ(info.ReserveType(), CReminder::RESERVE_RECORD);
     info.Set(programme(), 9, 0);
     EXPECT_EQ(info.ReserveType(), CReminder::RESERVE_SERIES);
+}
+
+TEST_F(RemindInfoProgrammeTest, BeginsAtTheNearestTimeThatTheMiddlewareCanCount) {
+    guideWith(4'294'967'000U, 4'294'967'200U);
+    clock_.setZone(540, false);
+    CRemindInfo info;
+    info.SetTimerViewing(programme());
+    EXPECT_EQ(info.StartTime(), 4'294'967'295U);
+    TCProgram program;
+    info.SetStartTime(100);
+    info.CopyDetailsInto(program);
+    EXPECT_EQ(program.StartTime(), 0U);
 }
 
 TEST_F(RemindInfoProgrammeTest, ForgetsWhatItWasBefore) {
