@@ -13,7 +13,6 @@ Container::Mutex EpgSQLPluginVexmoor::rebuildMutex;
 constinit std::atomic<std::uint32_t> EpgSQLPluginVexmoor::lastUpdateTime = 0;
 constinit std::atomic<std::int32_t> EpgSQLPluginVexmoor::channelCounts[32] = {};
 constinit std::atomic<std::int32_t> EpgSQLPluginVexmoor::programCounts[32] = {};
-MirrorState EpgSQLPluginVexmoor::mirrorState;
 
 Container::SharedPtr<EpgSQLPluginVexmoor> EpgSQLPluginVexmoor::Instance() {
     const Container::ScopedLock lock(instanceMutex);
@@ -29,7 +28,6 @@ Container::SharedPtr<EpgSQLPluginVexmoor> EpgSQLPluginVexmoor::Instance() {
 }
 
 EpgSQLPluginVexmoor::ConnectionPtr EpgSQLPluginVexmoor::m_createSqlDB(const std::string& /*name*/) {
-    const MirrorState::Change change(mirrorState);  // another database may stand at the old one's address
     ConnectionPtr connection(new Connection());
     connection->open(":memory:");
     pluginLogger.debug("DB created [IN MEMORY]\n");

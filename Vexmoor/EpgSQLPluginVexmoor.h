@@ -11,15 +11,12 @@
 #include <vector>
 
 #include "Vexmoor/EpgSQLPluginVexmoorUtil.h"
-#include "Vexmoor/MirrorState.h"
 #include "host/Connection.h"
 #include "host/Logger.h"
 #include "host/Mutex.h"
 #include "host/SharedPtr.h"
 #include "host/Statement.h"
 #include "host/Uri.h"
-
-class CRemindInfo;
 
 /// The class's one logger, "Vexmoor/EpgSQLPluginVexmoor".
 extern const Container::Logger pluginLogger;
@@ -256,17 +253,11 @@ protected:  // open to derived classes, so that each operation can be tried alon
 
     // Schedule mirror ----------------------------------------------------------------------------
 
-    /// Brings the table in line with the store's bookings, unless nothing has changed since it was.
-    static void m_mirrorSchedules(ConnectionPtr connection);
-
     /// Clears the schedule columns, and the rows of manual bookings; 0.
     static int m_removeDBSchedData(ConnectionPtr connection);
 
     /// Writes the store's bookings into them: 0, or -1 when it stopped at a booking without a channel.
     static int m_updateDBSchedData(ConnectionPtr connection);
-
-    /// Does so with these.
-    static int m_writeBookings(std::vector<CRemindInfo>& items, ConnectionPtr connection);
 
     /// Adds the row of a manual booking, pruning the table when it is full.
     static void m_insertSchedData(const std::string& channelId, const std::string& channelNumber,
@@ -313,8 +304,6 @@ protected:  // open to derived classes, so that each operation can be tried alon
     /// two requests may write them at once; the last one wins.
     static std::atomic<std::int32_t> channelCounts[32];
     static std::atomic<std::int32_t> programCounts[32];
-
-    static MirrorState mirrorState;  ///< of the table in use
 };
 
 /// Names fixed at creation.

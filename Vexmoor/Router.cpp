@@ -101,7 +101,8 @@ int EpgSQLPluginVexmoor::ExecuteClientQuery(void* document, const char* method,
                                             TARNO_rstr_uri_path_st* pathRecord,
                                             TARNO_rstr_uri_query_st* queryRecord, char* body, int bodyLength,
                                             char* /*location*/) {
-    m_mirrorSchedules(epgDBConnection);
+    m_removeDBSchedData(epgDBConnection);
+    m_updateDBSchedData(epgDBConnection);
     if (pathRecord == nullptr || method == nullptr) {
         pluginLogger.trace("Null parameters supplied to m_ExecuteClientQuery\n");
         return 404;
@@ -133,7 +134,6 @@ int EpgSQLPluginVexmoor::ExecuteClientCommand(TARNO_rstr_uri_query_st* queryReco
         pluginLogger.trace("A CREATE VIEW statement has been entered\n");
         return 404;
     }
-    const MirrorState::Change change(mirrorState);
     const int status = m_SendSQLCmd(queryRecord, epgDBConnection, document);
     pluginLogger.trace("A standard SQL statement has been entered\n");
     return status;

@@ -1,12 +1,8 @@
 // The schedule mirror: the reminder store's bookings in the table's schedule columns.
-#include <algorithm>
-#include <cstddef>
 #include <initializer_list>
 #include <memory>
 #include <new>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "Vexmoor/ColumnText.h"
@@ -64,104 +60,7 @@ int run(Statement& statement, const std::string& sql) {
     return sqlite3_step(statement.handle());
 }
 
-/// The database of a connection; null without one.
-sqlite3* handleOf(const Container::SharedPtr<Connection>& connection) {
-    return connection ? connection->handle() : nullptr;
-}
-
-/// What of a booking goes into the table.
-struct Booking {
-    ChannelSource channel;
-    std::string programId;
-    std::string scheduleId;
-    std::string scheduleType;
-    std::string repeat;
-    std::string start;
-    std::string end;
-    bool titled = false;  ///< made from a programme
-
-    /// A field of the channel, empty when it is absent.
-    std::string field(char* ws_epg_channel_source::*member) const {
-        return channel ? textOf(channel.get()->*member) : std::string();
-    }
-};
-
-/// The booking as the table holds it; nothing when its channel is not there.
-std::optional<Booking> readBooking(CRemindInfo& info) {
-    const std::unique_ptr<TCChannel> channel(
-        t_get_cached_channel_by_num(TCChannel::GetTVMode(info.ChannelType()), info.Major(), info.Minor()));
-    TCProgram program;
-    info.CopyDetailsInto(program);
-    if (!channel) return std::nullopt;
-    Booking booking;
-    booking.channel.reset(t_create_channel_source(channel.get()));
-    pluginLogger.trace("Determining program name..\n");
-    booking.programId = takeText(t_get_program_id(channel.get(), &program));
-    pluginLogger.trace("Determining schedule details\n");
-    const unsigned short* title = info.GetTitle();
-    booking.titled = title != nullptr && title[0] != 0;
-    booking.scheduleId = takeText(t_get_schedule_id(&info));
-    booking.scheduleType = takeText(t_get_schedule_status_str(info.ReserveType()));
-    booking.repeat = takeText(t_get_schedule_repeat(&info));
-    booking.start = std::to_string(program.StartTime());
-    booking.end = std::to_string(program.EndTime());
-    return booking;
-}
-
-/// The store's bookings.
-std::vector<CRemindInfo> storedBookings(CReminder& reminder) {
-    int count = 0;
-    std::vector<CRemindInfo> items;
-    reminder.GetRemindItemByType(count, items, allBookings);
-    const auto stated = static_cast<std::size_t>(std::max(count, 0));
-    if (stated < items.size()) items.erase(items.begin() + static_cast<std::ptrdiff_t>(stated), items.end());
-    return items;
-}
-
-/// All that the mirror puts into the table, as one text; nothing when a channel is not there.
-std::optional<std::string> describeBookings(std::vector<CRemindInfo>& items) {
-    std::string described;
-    const auto add = [&described](const std::string& text) {
-        described.append(std::to_string(text.size())).append(":").append(text);
-    };
-    for (CRemindInfo& info : items) {
-        const std::optional<Booking> booking = readBooking(info);
-        if (!booking) return std::nullopt;
-        for (const auto member : {&ws_epg_channel_source::channel_id, &ws_epg_channel_source::channel_num,
-                                  &ws_epg_channel_source::channel_name, &ws_epg_channel_source::service_type,
-                                  &ws_epg_channel_source::antenna, &ws_epg_channel_source::scrambled})
-            add(booking->field(member));
-        for (const std::string* text : {&booking->programId, &booking->scheduleId, &booking->scheduleType,
-                                        &booking->repeat, &booking->start, &booking->end})
-            add(*text);
-        described += booking->titled ? 't' : 'm';
-    }
-    return described;
-}
-
 }  // namespace
-
-void EpgSQLPluginVexmoor::m_mirrorSchedules(ConnectionPtr connection) {
-    const auto mirror = [&connection](const auto& write) {
-        const MirrorState::Change change(mirrorState);
-        mirrorState.begin(handleOf(connection));
-        m_removeDBSchedData(connection);
-        write();
-    };
-    CReminder* reminder = CReminder::GetInstance();
-    // At trace level the mirror tells its steps, and therefore takes them.
-    if (reminder == nullptr || pluginLogger.isTraceEnabled()) {
-        mirror([&connection] { m_updateDBSchedData(connection); });
-        return;
-    }
-    std::vector<CRemindInfo> items = storedBookings(*reminder);
-    const std::optional<std::string> bookings = describeBookings(items);
-    if (bookings && mirrorState.holds(handleOf(connection), *bookings)) return;
-    mirror([&] {
-        m_writeBookings(items, connection);
-        if (bookings) mirrorState.finish(handleOf(connection), *bookings);
-    });
-}
 
 int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
     Statement scheduled;
@@ -170,8 +69,7 @@ int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
     scheduled.compile();
     Statement change;
     change.setConnection(connection);
-    int result = sqlite3_step(scheduled.handle());
-    for (; result == SQLITE_ROW; result = sqlite3_step(scheduled.handle())) {
+    while (sqlite3_step(scheduled.handle()) == SQLITE_ROW) {
         const std::string id = columnText(scheduled.handle(), 0);
         const std::string name = columnText(scheduled.handle(), 1);
         pluginLogger.trace("A schedule has been found:%s, %s\n", id, name);
@@ -182,11 +80,8 @@ int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
                 : "UPDATE myView SET ScheduleId=NULL, ScheduleType=NULL, Repeat=NULL WHERE ScheduleId='" +
                       id + "';";
         // The step answers SQLITE_DONE on success and not 0: the trace stays silent, as it should.
-        const int changed = run(change, sql);
-        mirrorState.ended(handleOf(connection), changed, true);
-        if (changed == SQLITE_OK) pluginLogger.trace("Removed/Updated schedule entry in DB.\n");
+        if (run(change, sql) == SQLITE_OK) pluginLogger.trace("Removed/Updated schedule entry in DB.\n");
     }
-    mirrorState.ended(handleOf(connection), result, false);
     scheduled.close();
     change.close();
     return 0;
@@ -196,44 +91,54 @@ int EpgSQLPluginVexmoor::m_updateDBSchedData(ConnectionPtr connection) {
     pluginLogger.trace("Getting remind items\n");
     CReminder* reminder = CReminder::GetInstance();
     if (reminder == nullptr) return 0;
-    std::vector<CRemindInfo> items = storedBookings(*reminder);
-    return m_writeBookings(items, connection);
-}
+    int count = 0;
+    std::vector<CRemindInfo> items;
+    reminder->GetRemindItemByType(count, items, allBookings);
 
-int EpgSQLPluginVexmoor::m_writeBookings(std::vector<CRemindInfo>& items, ConnectionPtr connection) {
     Statement update;
     update.setConnection(connection);
-    int number = 0;
-    for (CRemindInfo& info : items) {
-        pluginLogger.trace("Getting remind item: %d\n", number++);
-        const std::optional<Booking> booking = readBooking(info);
-        if (!booking) {
+    for (int i = 0; i < count && i < static_cast<int>(items.size()); ++i) {
+        pluginLogger.trace("Getting remind item: %d\n", i);
+        CRemindInfo info = items[static_cast<std::size_t>(i)];
+        const std::unique_ptr<TCChannel> channel(t_get_cached_channel_by_num(
+            TCChannel::GetTVMode(info.ChannelType()), info.Major(), info.Minor()));
+        TCProgram program;
+        info.CopyDetailsInto(program);
+        if (!channel) {
             pluginLogger.error("ERROR! get remind item failed!\n");
             update.close();
             return -1;
         }
-        const std::string channelId = booking->field(&ws_epg_channel_source::channel_id);
-        if (booking->titled) {
-            const std::string sql = "UPDATE myView SET ScheduleId='" + booking->scheduleId +
-                                    "', ScheduleType='" + booking->scheduleType + "', Repeat='" +
-                                    booking->repeat + "' WHERE ChannelId='" + channelId + "' AND EventId='" +
-                                    booking->programId + "';";
+        const ChannelSource source(t_create_channel_source(channel.get()));
+        const auto field = [&source](char* ws_epg_channel_source::*member) {
+            return source ? textOf(source.get()->*member) : std::string();
+        };
+        const std::string channelId = field(&ws_epg_channel_source::channel_id);
+        pluginLogger.trace("Determining program name..\n");
+        const std::string programId = takeText(t_get_program_id(channel.get(), &program));
+        pluginLogger.trace("Determining schedule details\n");
+        const unsigned short* title = info.GetTitle();
+        const std::string scheduleId = takeText(t_get_schedule_id(&info));
+        const std::string scheduleType = takeText(t_get_schedule_status_str(info.ReserveType()));
+        const std::string repeat = takeText(t_get_schedule_repeat(&info));
+
+        if (title != nullptr && title[0] != 0) {
+            const std::string sql = "UPDATE myView SET ScheduleId='" + scheduleId + "', ScheduleType='" +
+                                    scheduleType + "', Repeat='" + repeat + "' WHERE ChannelId='" +
+                                    channelId + "' AND EventId='" + programId + "';";
             pluginLogger.trace("SQL STATEMENT: %s\n", sql);
-            const int result = run(update, sql);
-            mirrorState.ended(handleOf(connection), result, true);
-            if (result == SQLITE_DONE) pluginLogger.trace("Schedule data updated!\n");
+            if (run(update, sql) == SQLITE_DONE) pluginLogger.trace("Schedule data updated!\n");
             continue;
         }
-        pluginLogger.trace("Remind info: ChnldId: %s, EventId: %s, SchedId: %s\n", channelId,
-                           booking->programId, booking->scheduleId);
-        if (m_checkIfEventIsInDB(channelId, booking->programId, booking->scheduleId, connection)) continue;
-        m_insertSchedData(channelId, booking->field(&ws_epg_channel_source::channel_num),
-                          booking->field(&ws_epg_channel_source::channel_name),
-                          booking->field(&ws_epg_channel_source::service_type),
-                          booking->field(&ws_epg_channel_source::antenna),
-                          booking->field(&ws_epg_channel_source::scrambled), booking->programId,
-                          booking->start, booking->end, booking->scheduleId, booking->scheduleType,
-                          booking->repeat, connection);
+        pluginLogger.trace("Remind info: ChnldId: %s, EventId: %s, SchedId: %s\n", channelId, programId,
+                           scheduleId);
+        if (m_checkIfEventIsInDB(channelId, programId, scheduleId, connection)) continue;
+        m_insertSchedData(channelId, field(&ws_epg_channel_source::channel_num),
+                          field(&ws_epg_channel_source::channel_name),
+                          field(&ws_epg_channel_source::service_type), field(&ws_epg_channel_source::antenna),
+                          field(&ws_epg_channel_source::scrambled), programId,
+                          std::to_string(program.StartTime()), std::to_string(program.EndTime()), scheduleId,
+                          scheduleType, repeat, connection);
     }
     update.close();
     return 0;
@@ -247,7 +152,6 @@ bool EpgSQLPluginVexmoor::m_checkIfEventIsInDB(const std::string& channelId, con
     statement.setConnection(connection);
     pluginLogger.trace("SQL STATEMENT: %s\n", sql);
     const int result = run(statement, sql);
-    mirrorState.ended(handleOf(connection), result, false);
     pluginLogger.trace("QUERY Result: %d\n\n", result);
     if (result == SQLITE_ROW) pluginLogger.trace("Event entry exist!\n");
     statement.close();
@@ -276,7 +180,6 @@ void EpgSQLPluginVexmoor::m_insertSchedData(const std::string& channelId, const 
     statement.setConnection(connection);
     pluginLogger.trace("SQL STATEMENT: %s\n", sql);
     int result = run(statement, sql);
-    mirrorState.ended(handleOf(connection), result, true);
     pluginLogger.trace("SQL Return code: %d\n", result);
     if (result == SQLITE_DONE) {
         pluginLogger.trace("Schedule data added!\n");

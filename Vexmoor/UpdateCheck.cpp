@@ -80,7 +80,6 @@ void EpgSQLPluginVexmoor::rebuildDB(bool force) {
     pluginLogger.trace("Plug-in last update: %d\n", static_cast<int>(lastUpdateTime));
     if (lastUpdateTime + rebuildAge < now || force) {
         pluginLogger.trace("An update has been triggered\n");
-        const MirrorState::Change change(mirrorState);
         m_deleteDBTable(GuideTable::name, epgDBConnection);
         m_CreateDBTable(GuideTable::source, GuideTable::schemaTemplate, nullptr, epgDBConnection);
         pluginLogger.debug("Table created\n");

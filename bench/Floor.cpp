@@ -155,13 +155,11 @@ void measureStart(const std::string& guide, Json& json) {
     add(json, "start_ms", read + 2 * insert);
 }
 
-/// What every request does before its own statement, and the mirror when a booking has changed.
+/// What every request does before its own statement.
 void measurePreparation(Json& json) {
     add(json, "update_check_ms",
         medianMilliseconds([] { EpgSQLPluginVexmoor::Instance()->checkDB_UpdateNeeded(); }));
-    add(json, "mirror_ms",
-        medianMilliseconds([] { OpenPlugin::m_mirrorSchedules(OpenPlugin::epgDBConnection); }));
-    add(json, "changed_mirror_ms", medianMilliseconds([] {
+    add(json, "mirror_ms", medianMilliseconds([] {
             OpenPlugin::m_removeDBSchedData(OpenPlugin::epgDBConnection);
             OpenPlugin::m_updateDBSchedData(OpenPlugin::epgDBConnection);
         }));

@@ -8,21 +8,22 @@ namespace epgtest {
 /// Opens the plug-in class's operations and state to tests.
 class OpenPlugin : public EpgSQLPluginVexmoor {
 public:
+    using EpgSQLPluginVexmoor::ListStyle;
+    using EpgSQLPluginVexmoor::ParameterMap;
     using EpgSQLPluginVexmoor::channelCounts;
     using EpgSQLPluginVexmoor::epgDBConnection;
     using EpgSQLPluginVexmoor::epgSQLPluginInstance;
     using EpgSQLPluginVexmoor::epgTableList;
     using EpgSQLPluginVexmoor::lastUpdateTime;
-    using EpgSQLPluginVexmoor::ListStyle;
     using EpgSQLPluginVexmoor::m_addItemsToInsertSql;
     using EpgSQLPluginVexmoor::m_checkForChannelInDB;
     using EpgSQLPluginVexmoor::m_checkForProgramInDB;
     using EpgSQLPluginVexmoor::m_checkIfEventIsInDB;
+    using EpgSQLPluginVexmoor::m_createIndexes;
     using EpgSQLPluginVexmoor::m_configEpgDB;
     using EpgSQLPluginVexmoor::m_convertColNameToUrParam;
     using EpgSQLPluginVexmoor::m_copyQueryParams;
     using EpgSQLPluginVexmoor::m_CreateDBTable;
-    using EpgSQLPluginVexmoor::m_createIndexes;
     using EpgSQLPluginVexmoor::m_createSqlDB;
     using EpgSQLPluginVexmoor::m_createTblFrmEpg;
     using EpgSQLPluginVexmoor::m_deleteDBTable;
@@ -63,10 +64,9 @@ public:
     using EpgSQLPluginVexmoor::m_insertFakeProgram;
     using EpgSQLPluginVexmoor::m_insertSchedData;
     using EpgSQLPluginVexmoor::m_isProgramTimeInQueryRange;
-    using EpgSQLPluginVexmoor::m_mirrorSchedules;
     using EpgSQLPluginVexmoor::m_output_sql_result;
-    using EpgSQLPluginVexmoor::m_ParseClientCommand;
     using EpgSQLPluginVexmoor::m_parseEpgData;
+    using EpgSQLPluginVexmoor::m_ParseClientCommand;
     using EpgSQLPluginVexmoor::m_printSqlRowData;
     using EpgSQLPluginVexmoor::m_removeDBSchedData;
     using EpgSQLPluginVexmoor::m_replaceSingleQuotes;
@@ -75,8 +75,6 @@ public:
     using EpgSQLPluginVexmoor::m_updateDBSchedData;
     using EpgSQLPluginVexmoor::m_validateQueryParams;
     using EpgSQLPluginVexmoor::m_validateQueryParamsFieldName;
-    using EpgSQLPluginVexmoor::mirrorState;
-    using EpgSQLPluginVexmoor::ParameterMap;
     using EpgSQLPluginVexmoor::programCounts;
     using EpgSQLPluginVexmoor::programWithoutSynopsis;
 
@@ -86,10 +84,8 @@ public:
         epgDBConnection = Container::SharedPtr<Connection>();
         epgTableList.clear();
         lastUpdateTime = 0;
-        for (auto& count : channelCounts)
-            count = 0;
-        for (auto& count : programCounts)
-            count = 0;
+        for (auto& count : channelCounts) count = 0;
+        for (auto& count : programCounts) count = 0;
     }
 };
 
