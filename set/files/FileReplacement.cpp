@@ -8,22 +8,19 @@
 #include <functional>
 #include <system_error>
 
-#include "set/files/OpenFile.h"
+#include "set/files/FileDescriptor.h"
+#include "set/files/FileWriting.h"
 
 namespace epgset {
 namespace {
 
 [[noreturn]] void fail() {
-    throw std::system_error(errno, std::generic_category());
+    throw std::system_error(systemError());
 }
 
 void writeWhole(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) fail();
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
+    std::size_t written = 0;
+    if (const std::error_code error = writeAll(descriptor, text, written)) throw std::system_error(error);
 }
 
 void copyWhole(int from, int to) {
@@ -43,13 +40,13 @@ void replace(const std::filesystem::path& path, const std::function<void(int fil
     std::filesystem::path fresh = path;
     fresh += ".new";
     {
-        const OpenFile file(::open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+        const FileDescriptor file(::open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
         if (file.get() < 0) fail();
         write(file.get());
         if (::fsync(file.get()) != 0) fail();
     }
     if (::rename(fresh.c_str(), path.c_str()) != 0) fail();
-    const OpenFile folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const FileDescriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.get() < 0 || ::fsync(folder.get()) != 0) fail();
 }
 

@@ -27,9 +27,9 @@ const Container::Logger& log() {
 }
 
 /// A file without a name, which is gone when it is closed.
-OpenFile unnamedFile(const std::string& url) {
+FileDescriptor unnamedFile(const std::string& url) {
     const std::filesystem::path folder = std::filesystem::temp_directory_path();
-    OpenFile file(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+    FileDescriptor file(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
     if (!file) {
         throw GuideError(
             url, 0, "cannot be kept in " + folder.string() + ": " + std::generic_category().message(errno));
@@ -85,11 +85,11 @@ bool DownloadedGuide::hasCopy() const {
 
 void DownloadedGuide::fetch() {
     try {
-        OpenFile file = unnamedFile(url_);
+        FileDescriptor file = unnamedFile(url_);
         GuideVersion version = hasCopy() ? version_ : GuideVersion();
         const bool changed = downloadGuide(url_, file.get(), version);
         // The copy of old is what the server has, so that an earlier download is of no use either.
-        fresh_ = changed ? std::move(file) : OpenFile();
+        fresh_ = changed ? std::move(file) : FileDescriptor();
         freshVersion_ = std::move(version);
         problem_.clear();
     } catch (const GuideError& error) {
@@ -115,12 +115,12 @@ void DownloadedGuide::keep() {
         throw GuideError(url_, 0, "no copy can be kept in " + copy_.string() + ": " + error.code().message());
     }
     version_ = std::move(freshVersion_);
-    fresh_ = OpenFile();
+    fresh_ = FileDescriptor();
 }
 
 bool DownloadedGuide::drop(const std::string& problem) {
     if (!isFresh() || !hasCopy()) return false;
-    fresh_ = OpenFile();
+    fresh_ = FileDescriptor();
     problem_ = problem;
     log().warning("%s; the copy of it that was kept goes on being used", problem_);
     return true;

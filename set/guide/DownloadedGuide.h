@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "set/files/OpenFile.h"
+#include "set/files/FileDescriptor.h"
 #include "set/guide/GuideDownload.h"
 
 namespace epgset {
@@ -47,7 +47,7 @@ private:
     std::filesystem::path copy_;
     std::filesystem::path versionFile_;
     GuideVersion version_;  ///< of the copy
-    OpenFile fresh_;        ///< what was fetched
+    FileDescriptor fresh_;  ///< what was fetched
     GuideVersion freshVersion_;
     std::string problem_;
 };

@@ -2,7 +2,6 @@
 
 #include <curl/curl.h>
 #include <strings.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstddef>
@@ -10,6 +9,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "set/files/FileWriting.h"
 #include "set/guide/GuideError.h"
 
 namespace epgset {
@@ -43,15 +43,10 @@ std::size_t takeBody(char* bytes, std::size_t, std::size_t count, void* user) {
         reception.writeError = EFBIG;
         return 0;
     }
-    std::string_view rest(bytes, count);
-    while (!rest.empty()) {
-        const ssize_t written = ::write(reception.file, rest.data(), rest.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) {
-            reception.writeError = errno;
-            return 0;
-        }
-        rest.remove_prefix(static_cast<std::size_t>(written));
+    std::size_t written = 0;
+    if (const std::error_code error = writeAll(reception.file, {bytes, count}, written)) {
+        reception.writeError = error.value();
+        return 0;
     }
     return count;
 }

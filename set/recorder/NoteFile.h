@@ -6,7 +6,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "set/recorder/FileDescriptor.h"
+#include "set/files/FileDescriptor.h"
 
 namespace epgset {
 

@@ -12,7 +12,7 @@
 #include "set/events/EventRing.h"
 #include "set/middleware/ChannelTexts.h"
 #include "set/middleware/Clock.h"
-#include "set/recorder/FileWriting.h"
+#include "set/files/FileWriting.h"
 #include "set/recorder/PvrState.h"
 #include "set/recorder/RecordingName.h"
 #include "set/recorder/RecordingRepair.h"

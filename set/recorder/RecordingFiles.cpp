@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "set/recorder/FileWriting.h"
+#include "set/files/FileWriting.h"
 
 namespace epgset {
 namespace {

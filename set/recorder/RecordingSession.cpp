@@ -9,7 +9,7 @@
 #include "host/Logger.h"
 #include "set/middleware/ChannelTexts.h"
 #include "set/middleware/Clock.h"
-#include "set/recorder/FileWriting.h"
+#include "set/files/FileWriting.h"
 
 namespace epgset {
 namespace {

@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "set/recorder/FileWriting.h"
+#include "set/files/FileWriting.h"
 #include "set/recorder/Recordings.h"
 
 namespace epgset {

@@ -154,7 +154,7 @@ TEST(ReminderKill, LosesNoBookingAndBringsNoneBackKilled100TimesAtRandomMoments)
     EXPECT_GT(client.booked, kills / 2);
     EXPECT_GT(client.cancelled, kills / 2);
     std::printf(
-        "killed %d times: %d bookings and %d cancellations acknowledged, %d requests unanswered;"
+        "figure: killed %d times: %d bookings and %d cancellations acknowledged, %d requests unanswered;"
         " none lost, none resurrected\n",
         kills, client.booked, client.cancelled, client.interrupted);
 }

@@ -114,8 +114,8 @@ TEST_F(RepeatingOrdersTest, ComeDueOnceAtTheirTimeFiftyOfThemOverADay) {
     EXPECT_EQ(recorder_.orders.size(), entries / 2U);
     EXPECT_EQ(all().size(), before.size());
     EXPECT_THAT(log_.messagesOf("set/reminders", Container::Logger::Error), IsEmpty());
-    std::printf("%d of %d repeating entries came due once, at their second, in 24 simulated hours\n", once,
-                entries);
+    std::printf("figure: %d of %d repeating entries came due once, at their second, in 24 simulated hours\n",
+                once, entries);
 }
 
 }  // namespace

@@ -29,6 +29,8 @@ export interface SetStatus {
     programs: number;
     programs_dropped: number;
     guides?: GuideReading[];
+    tuners?: { total: number; in_use: number };
+    storage?: { folder: string | null; free: number | null };
 }
 
 export interface RecordingSpec {

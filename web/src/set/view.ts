@@ -120,7 +120,16 @@ function recordingFacts(spec: RecordingSpec, read: SetStatus | null): Child[] {
                 : `${running.length === 1 ? "One recording runs" : `${running.length} recordings run`}, ${byteText(bytes)} so far.`,
         ),
         ...running.map((one) => el("p", { class: "dim path" }, one.file)),
+        ...storageFacts(read),
     ];
+}
+
+function storageFacts(read: SetStatus | null): Child[] {
+    const list: [string, Child][] = [];
+    if (read?.tuners) list.push(["Tuners in use", `${read.tuners.in_use} of ${read.tuners.total}`]);
+    if (read?.storage?.free != null) list.push(["Free for recordings", byteText(read.storage.free)]);
+    if (read?.storage?.folder) list.push(["Recordings are kept in", el("span", { class: "breakable" }, read.storage.folder)]);
+    return list.length === 0 ? [] : [facts(list)];
 }
 
 function check(yes: boolean, good: string, bad: string): HTMLElement {

@@ -1,11 +1,11 @@
-#include "set/recorder/FileWriting.h"
+#include "set/files/FileWriting.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
 
-#include "set/recorder/FileDescriptor.h"
+#include "set/files/FileDescriptor.h"
 
 namespace epgset {
 
