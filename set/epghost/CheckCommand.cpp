@@ -37,8 +37,8 @@ void member(Json& json, const char* key, std::size_t number) {
 void writeGuide(Json& json, const CheckedGuide& guide) {
     json.StartObject();
     member(json, "file", guide.file);
-    member(json, "channels", guide.channels);
-    member(json, "programs", guide.programmes);
+    member(json, "channels", guide.counts.channels);
+    member(json, "programs", guide.counts.programmes);
     member(json, "skipped_unknown_channel", guide.counts.ofUnknownChannel);
     member(json, "skipped_no_start", guide.counts.withoutStart);
     member(json, "skipped_ends_before_start", guide.counts.endingBeforeStart);
@@ -122,7 +122,7 @@ void writeCheckReport(const CheckReport& report, std::ostream& out) {
                    fmt::format("{}: {} channels, {} without an id; {} programmes, {} skipped: {} of unknown "
                                "channels, "
                                "{} without a readable start, {} that end before they start; {} texts cut",
-                               guide.file, guide.channels, counts.channelsWithoutId, guide.programmes,
+                               guide.file, counts.channels, counts.channelsWithoutId, counts.programmes,
                                counts.skippedProgrammes(), counts.ofUnknownChannel, counts.withoutStart,
                                counts.endingBeforeStart, guide.sameStart, counts.textsCut),
                    longestLine)

@@ -33,7 +33,6 @@ void CheckingSink::read(const std::string& file, std::vector<GuideError>& faults
 void CheckingSink::channel(const XmltvChannel& channel) {
     const std::size_t cut = counts().textsCut;
     collector_.channel(channel);
-    ++report_.guides.back().channels;
     const Place place = here(channel.line);
     if (counts().textsCut > cut) warn(place, "the name of the channel is too long, it is cut");
     if (channel.id.empty()) {
@@ -52,7 +51,6 @@ void CheckingSink::channel(const XmltvChannel& channel) {
 void CheckingSink::programme(const XmltvProgramme& programme) {
     const GuideCounts before = counts();
     collector_.programme(programme);
-    ++report_.guides.back().programmes;
     const Place place = here(programme.line);
     if (counts().withoutStart > before.withoutStart) {
         warn(place, "a programme without a readable start is skipped: " + inQuotes(programme.start));

@@ -21,8 +21,6 @@ struct CheckFinding {
 /// How much a guide holds, and what of it the set passes over.
 struct CheckedGuide {
     std::string file;
-    std::size_t channels = 0;
-    std::size_t programmes = 0;
     GuideCounts counts;
     std::size_t sameStart = 0;  ///< programmes that start with a later one of their channel, which counts
 };

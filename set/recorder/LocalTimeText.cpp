@@ -3,8 +3,9 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
-#include <cstdlib>
 #include <ctime>
+
+#include "set/text/IsoTime.h"
 
 namespace epgset {
 namespace {
@@ -24,9 +25,7 @@ std::tm wallClockAt(std::int64_t unixSeconds) {
 
 std::string localIsoTime(std::int64_t unixSeconds) {
     const std::tm parts = wallClockAt(unixSeconds);
-    const long minutes = std::labs(parts.tm_gmtoff) / 60;
-    return fmt::format("{:%Y-%m-%dT%H:%M:%S}{}{:02}:{:02}", parts, parts.tm_gmtoff < 0 ? '-' : '+',
-                       minutes / 60, minutes % 60);
+    return isoTime(parts, parts.tm_gmtoff);
 }
 
 std::string localFileTime(std::int64_t unixSeconds) {

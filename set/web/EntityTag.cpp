@@ -54,11 +54,6 @@ void tagEntity(const WebRequest& request, WebResponse& response) {
     setHeader(response.headers, "ETag", tag);
 }
 
-void applyEntityTag(const WebRequest& request, WebResponse& response) {
-    tagEntity(request, response);
-    answerConditionally(request, response);
-}
-
 void answerConditionally(const WebRequest& request, WebResponse& response) {
     const std::string tag = headerValue(response.headers, "ETag");
     if (!tag.empty() && namesTag(headerValue(request.headers, "If-None-Match"), tag)) response.status = 304;

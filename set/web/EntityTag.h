@@ -18,12 +18,8 @@ bool namesTag(std::string_view ifNoneMatch, std::string_view tag);
 /// Gives the 200 answer to a GET its ETag.
 void tagEntity(const WebRequest& request, WebResponse& response);
 
-/// The same, and makes it a 304 when the request's If-None-Match names it. The
-/// 304 keeps the body, which is not sent: its length is told as that of the 200. Other answers stay as they
-/// are.
-void applyEntityTag(const WebRequest& request, WebResponse& response);
-
-/// Makes an answer that has its ETag a 304 when the request's If-None-Match names it.
+/// Makes an answer that has its ETag a 304 when the request's If-None-Match names it. The 304 keeps the body,
+/// which is not sent: its length is told as that of the 200. Other answers stay as they are.
 void answerConditionally(const WebRequest& request, WebResponse& response);
 
 }  // namespace epgset

@@ -108,7 +108,8 @@ void PageFiles::read(const fs::path& folder) {
             segments.push_back(segment.string());
         std::string tag = entityTag(contentType, *bytes);
         files_.insert_or_assign(std::move(segments),
-                                File{contentType, std::move(*bytes), std::move(tag), policyOf(file)});
+                                File{contentType, std::make_shared<const std::string>(std::move(*bytes)),
+                                     std::move(tag), policyOf(file)});
     }
 }
 
@@ -130,8 +131,8 @@ std::optional<WebResponse> PageFiles::answer(const WebRequest& request,
     setHeader(response.headers, "Content-Security-Policy", file.policy);
     setHeader(response.headers, "X-Content-Type-Options", "nosniff");
     setHeader(response.headers, "Referrer-Policy", "no-referrer");
-    if (namesTag(headerValue(request.headers, "If-None-Match"), file.tag)) response.status = 304;
-    response.body = file.body;
+    response.sharedBody = file.body;
+    answerConditionally(request, response);
     return response;
 }
 

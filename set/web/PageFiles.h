@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,7 +33,7 @@ public:
 private:
     struct File {
         const char* contentType;
-        std::string body;
+        std::shared_ptr<const std::string> body;
         std::string tag;
         std::string policy;  ///< what a browser may load into it
     };

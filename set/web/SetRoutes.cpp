@@ -106,14 +106,14 @@ std::optional<WebResponse> SetRoutes::route(const WebRequest& request) {
     const bool isPath = request.path.starts_with('/') || request.path.empty();
     const std::vector<std::string> segments = pathSegments(isPath ? request.path : "*");
     const bool isEvents = segments == pathSegments(eventsPath);
-    const std::optional<WebResponse> file = page_.answer(request, segments);
+    std::optional<WebResponse> file = page_.answer(request, segments);
     const Resource* resource = findResource(segments);
     if (!isEvents && !file && resource == nullptr) {
         return textResponse(404, "there is nothing at this path");
     }
     if (!isRead(request)) return onlyRead();
     if (isEvents) return eventStream(request);
-    return file ? *file : resource->answer(facts_);
+    return file ? std::move(*file) : resource->answer(facts_);
 }
 
 WebResponse SetRoutes::eventStream(const WebRequest& request) {

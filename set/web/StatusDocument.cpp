@@ -1,12 +1,10 @@
 #include "set/web/StatusDocument.h"
 
 #include <fmt/chrono.h>
-#include <fmt/format.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <string_view>
@@ -17,6 +15,7 @@
 #include "set/middleware/GuideWindow.h"
 #include "set/middleware/Television.h"
 #include "set/recorder/Recordings.h"
+#include "set/text/IsoTime.h"
 #include "set/text/Utf8.h"
 
 namespace epgset {
@@ -36,11 +35,8 @@ void member(Json& json, const char* key, std::size_t number) {
 
 /// A UNIX time in ISO 8601, in the zone in which the middleware counts now.
 std::string timeText(std::int64_t unixSeconds) {
-    const int offset = clock().localOffset() / 60;
-    const std::time_t local = unixSeconds + std::int64_t{offset} * 60;
-    const int distance = std::abs(offset);
-    return fmt::format("{:%Y-%m-%dT%H:%M:%S}{}{:02}:{:02}", fmt::gmtime(local), offset < 0 ? '-' : '+',
-                       distance / 60, distance % 60);
+    const int offset = clock().localOffset();
+    return isoTime(fmt::gmtime(static_cast<std::time_t>(unixSeconds + offset)), offset);
 }
 
 std::string idOf(const Channel& channel) {

@@ -15,16 +15,10 @@ constexpr const char* recording = R"({"status":"RECORD"})";
 class ProgrammeSchedule : public ServiceTest {
 protected:
     ServiceAnswer ask(const char* method, const char* id, Body body = nullptr) {
-        const TestDocument document;
-        char* location = nullptr;
-        ServiceAnswer answer;
-        answer.status = t_programs_id_schedule(document, method, id, body.data(), body.length(), &location);
-        answer.location = taken(location);
-        answer.members = document.json();
-        return answer;
+        return answerWithLocation([&](const TestDocument& document, char** location) {
+            return t_programs_id_schedule(document, method, id, body.data(), body.length(), location);
+        });
     }
-
-    static ServiceAnswer nothingBut(int status) { return {status, "{}", std::nullopt}; }
 
     /// Lets the store take the programme to come, and answers the entry that it was given.
     CRemindInfo added(const char* body) {

@@ -31,16 +31,10 @@ std::string booking(const std::string& more = "", const std::string& status = "V
 class ScheduleCollection : public ServiceTest {
 protected:
     ServiceAnswer ask(const char* method, Body body = nullptr) {
-        const TestDocument document;
-        char* location = nullptr;
-        ServiceAnswer answer;
-        answer.status = t_schedules(document, method, nullptr, body.data(), body.length(), &location);
-        answer.location = taken(location);
-        answer.members = document.json();
-        return answer;
+        return answerWithLocation([&](const TestDocument& document, char** location) {
+            return t_schedules(document, method, nullptr, body.data(), body.length(), location);
+        });
     }
-
-    static ServiceAnswer nothingBut(int status) { return {status, "{}", std::nullopt}; }
 };
 
 TEST_F(ScheduleCollection, TracesItsNameFirst) {

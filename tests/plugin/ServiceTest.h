@@ -79,6 +79,20 @@ protected:
         log.clear();
     }
 
+    /// The answer of a handler that takes a location, as `handler(document, &location)`.
+    template <class Handler>
+    ServiceAnswer answerWithLocation(Handler&& handler) {
+        const TestDocument document;
+        char* location = nullptr;
+        ServiceAnswer answer;
+        answer.status = handler(document, &location);
+        answer.location = taken(location);
+        answer.members = document.json();
+        return answer;
+    }
+
+    static ServiceAnswer nothingBut(int status) { return {status, "{}", std::nullopt}; }
+
     /// An entry of the store for channel 7-2 on AIR.
     static CRemindInfo entry(unsigned long uid, std::uint32_t start = comingStart,
                              std::uint32_t duration = 600) {

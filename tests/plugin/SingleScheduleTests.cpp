@@ -34,8 +34,6 @@ protected:
         return answer;
     }
 
-    static ServiceAnswer nothingBut(int status) { return {status, "{}", std::nullopt}; }
-
     /// Lets the store find entry 5 once for each request.
     void keep(int requests = 1) {
         EXPECT_CALL(store, GetRemindItemByUid(5, _)).Times(requests).WillRepeatedly(fillsWith<1>(entry(5)));

@@ -41,7 +41,8 @@ std::optional<WebResponse> GuideServer::answerAtOnce(const WebRequest& request) 
     response.status = status_;
     setHeader(response.headers, "Content-Type", "application/xml");
     response.body = text_;
-    if (status_ == 200) applyEntityTag(request, response);
+    tagEntity(request, response);
+    answerConditionally(request, response);
     answered_.push_back(response.status);
     return response;
 }

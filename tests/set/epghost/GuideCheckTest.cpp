@@ -61,8 +61,8 @@ TEST_F(GuideCheckTest, FindsNothingInGoodFiles) {
     EXPECT_FALSE(report.hasErrors());
     ASSERT_EQ(1U, report.guides.size());
     EXPECT_EQ(good, report.guides[0].file);
-    EXPECT_EQ(2U, report.guides[0].channels);
-    EXPECT_EQ(1U, report.guides[0].programmes);
+    EXPECT_EQ(2U, report.guides[0].counts.channels);
+    EXPECT_EQ(1U, report.guides[0].counts.programmes);
     ASSERT_TRUE(report.lineup);
     EXPECT_EQ(1U, report.lineup->entries);
     EXPECT_EQ(1U, report.lineup->hidden);
@@ -155,7 +155,7 @@ TEST_F(GuideCheckTest, ReadsOnBehindAGuideThatCannotBeUsed) {
     EXPECT_FALSE(report.findings[2].isError);
     EXPECT_TRUE(report.hasErrors());
     EXPECT_FALSE(report.shown);
-    EXPECT_EQ(1U, report.guides.at(2).programmes);
+    EXPECT_EQ(1U, report.guides.at(2).counts.programmes);
 }
 
 TEST_F(GuideCheckTest, TellsAllThatIsWrongWithALineup) {

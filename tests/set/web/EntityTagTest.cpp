@@ -70,9 +70,15 @@ TEST(IfNoneMatch, NamesNothingWhenItIsMalformed) {
     }
 }
 
+/// What the set makes of an answer of the plug-in.
+void answer(const WebRequest& request, WebResponse& response) {
+    tagEntity(request, response);
+    answerConditionally(request, response);
+}
+
 TEST(EntityTagOfAnAnswer, IsSetOnAGet) {
     WebResponse response = okWith("body");
-    applyEntityTag(getWith(""), response);
+    answer(getWith(""), response);
     EXPECT_EQ(200, response.status);
     EXPECT_EQ("body", response.body);
     EXPECT_EQ(entityTag("text/plain", "body"), headerValue(response.headers, "ETag"));
@@ -80,7 +86,7 @@ TEST(EntityTagOfAnAnswer, IsSetOnAGet) {
 
 TEST(EntityTagOfAnAnswer, MakesA304OfAnAnswerThatTheClientHas) {
     WebResponse response = okWith("body");
-    applyEntityTag(getWith(entityTag("text/plain", "body")), response);
+    answer(getWith(entityTag("text/plain", "body")), response);
     EXPECT_EQ(304, response.status);
     EXPECT_EQ("body", response.body) << "whose length is told";
     EXPECT_EQ(entityTag("text/plain", "body"), headerValue(response.headers, "ETag"));
@@ -91,7 +97,7 @@ TEST(EntityTagOfAnAnswer, IsLookedForInEveryIfNoneMatchLine) {
     WebResponse response = okWith("body");
     WebRequest request = getWith("\"other\"");
     request.headers.emplace_back("if-none-match", entityTag("text/plain", "body"));
-    applyEntityTag(request, response);
+    answer(request, response);
     EXPECT_EQ(304, response.status);
 }
 
@@ -100,14 +106,14 @@ TEST(EntityTagOfAnAnswer, IsNotGivenToOtherMethodsAndStatuses) {
         WebRequest request = getWith("*");
         request.method = method;
         WebResponse response = okWith("body");
-        applyEntityTag(request, response);
+        answer(request, response);
         EXPECT_EQ(200, response.status) << method;
         EXPECT_EQ("", headerValue(response.headers, "ETag")) << method;
     }
     for (const int status : {201, 204, 400, 404, 500}) {
         WebResponse response = okWith("body");
         response.status = status;
-        applyEntityTag(getWith("*"), response);
+        answer(getWith("*"), response);
         EXPECT_EQ(status, response.status);
         EXPECT_EQ("", headerValue(response.headers, "ETag")) << status;
     }

@@ -47,7 +47,7 @@ TEST_F(PageFilesTest, AnswerTheIndexForTheRoot) {
         const auto response = answer(files, segments);
         ASSERT_TRUE(response);
         EXPECT_EQ(200, response->status);
-        EXPECT_EQ("<p>guide", response->body);
+        EXPECT_EQ("<p>guide", bodyOf(*response));
     }
 }
 
@@ -58,7 +58,7 @@ TEST_F(PageFilesTest, AnswerTheIndexOfAFolder) {
     const PageFiles files = read();
     const auto response = answer(files, {"set", "api"});
     ASSERT_TRUE(response);
-    EXPECT_EQ("interface", response->body);
+    EXPECT_EQ("interface", bodyOf(*response));
     EXPECT_FALSE(answer(files, {"set"}));
     EXPECT_FALSE(answer(files, {"assets"}));
 }
@@ -121,7 +121,7 @@ TEST_F(PageFilesTest, AreThoseThatWereThereAtTheStart) {
     const PageFiles files = read();
     write("index.html", "after");
     write("late.js", "");
-    EXPECT_EQ("before", answer(files, {})->body);
+    EXPECT_EQ("before", bodyOf(*answer(files, {})));
     EXPECT_FALSE(answer(files, {"late.js"}));
 }
 
@@ -168,7 +168,7 @@ TEST(ShippedPage, IsBesideTheProgramsFolder) {
     request.method = "GET";
     const auto response = PageFiles(shippedPage()).answer(request, {});
     ASSERT_TRUE(response);
-    EXPECT_THAT(response->body, HasSubstr("assets/guide.js"));
+    EXPECT_THAT(bodyOf(*response), HasSubstr("assets/guide.js"));
 }
 
 }  // namespace
