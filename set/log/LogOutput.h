@@ -2,15 +2,17 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string_view>
 
 #include "host/Logger.h"
+#include "set/log/ErrorStream.h"
 #include "set/log/RateLimit.h"
 
-namespace spdlog::sinks {
-class sink;
+namespace spdlog {
+class formatter;
 }
 
 namespace epgset {
@@ -20,7 +22,8 @@ constexpr std::size_t maxLogLine = 8192;
 
 /// Writes one line a message, `TIME LEVEL LOGGER: MESSAGE`, each with a single write. Warnings and
 /// errors are limited to a burst of 1000 and 100 a second after it; a line of its own tells how many
-/// were dropped. Used by any thread.
+/// were dropped. Who logs is not held up by who reads (ErrorStream): a line that standard error does not take
+/// now is dropped too, and told in the same way once it takes lines again. Used by any thread.
 class LogOutput {
 public:
     LogOutput();
@@ -29,11 +32,14 @@ public:
     void write(Container::Logger::Level level, std::string_view logger, std::string_view message);
 
 private:
-    void writeLine(Container::Logger::Level level, std::string_view logger, std::string_view message);
+    bool writeLine(Container::Logger::Level level, std::string_view logger, std::string_view message);
+    void tellDropped();
 
-    std::unique_ptr<spdlog::sinks::sink> sink_;
-    std::mutex mutex_;  ///< guards limit_
+    std::mutex mutex_;  ///< guards what follows
+    std::unique_ptr<spdlog::formatter> formatter_;
+    ErrorStream stream_;
     RateLimit limit_{1000, 100};
+    std::uint64_t untaken_ = 0;  ///< lines that standard error did not take and nobody was told of
 };
 
 }  // namespace epgset

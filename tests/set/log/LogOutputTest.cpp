@@ -1,12 +1,19 @@
 #include "set/log/LogOutput.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -48,6 +55,39 @@ private:
 
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
     int before_;
+};
+
+/// Standard error as a pipe, which is read only when the test says so.
+class UnreadPipe {
+public:
+    UnreadPipe() : before_(dup(STDERR_FILENO)) {
+        std::array<int, 2> ends{};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+        reader_ = ends[0];
+        fcntl(reader_, F_SETFL, O_NONBLOCK);
+        dup2(ends[1], STDERR_FILENO);
+        close(ends[1]);
+    }
+    ~UnreadPipe() {
+        dup2(before_, STDERR_FILENO);
+        close(before_);
+        close(reader_);
+    }
+    UnreadPipe(const UnreadPipe&) = delete;
+    UnreadPipe& operator=(const UnreadPipe&) = delete;
+
+    /// What it holds now.
+    std::string read() const {
+        std::string text;
+        std::array<char, 65536> buffer{};
+        for (ssize_t count = 0; (count = ::read(reader_, buffer.data(), buffer.size())) > 0;)
+            text.append(buffer.data(), static_cast<std::size_t>(count));
+        return text;
+    }
+
+private:
+    int before_;
+    int reader_ = -1;
 };
 
 constexpr const char* timePattern = "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}Z ";
@@ -128,6 +168,93 @@ TEST(LogOutput, KeepsLinesOfManyThreadsApart) {
         const std::string message = line.substr(line.size() - 300);
         ASSERT_EQ(message, std::string(300, message[0]));
     }
+}
+
+TEST(LogOutput, NeverWaitsForAPipeThatNobodyReads) {
+    const UnreadPipe pipe;
+    LogOutput output;
+    const auto begun = std::chrono::steady_clock::now();
+    for (int line = 0; line < 20000; ++line)
+        output.write(Logger::Debug, "a", std::string(100, 'x'));
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(5));
+}
+
+TEST(LogOutput, LosesNothingToAReaderThatIsBusyForAMoment) {
+    const UnreadPipe pipe;
+    LogOutput output;
+    std::atomic<bool> written = false;
+    std::string text;
+    std::thread reader([&] {
+        while (!written) {
+            text += pipe.read();
+            std::this_thread::sleep_for(std::chrono::microseconds(100));
+        }
+        text += pipe.read();
+    });
+    for (int line = 0; line < 500; ++line) {
+        output.write(Logger::Debug, "a", std::string(1000, 'x'));
+        std::this_thread::sleep_for(std::chrono::microseconds(10));
+    }
+    written = true;
+    reader.join();
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 500);
+}
+
+TEST(LogOutput, TellsHowManyLinesAPipeDidNotTakeOnceItTakesLinesAgain) {
+    constexpr int lines = 2000;
+    const UnreadPipe pipe;
+    LogOutput output;
+    for (int line = 0; line < lines; ++line)
+        output.write(Logger::Debug, "a", std::string(6000, 'x'));
+    std::string text = pipe.read();
+    output.write(Logger::Debug, "a", "after");
+    text += pipe.read();
+    output.write(Logger::Debug, "a", "last");
+    text += pipe.read();
+
+    std::istringstream stream(text);
+    int whole = 0;
+    int told = 0;
+    std::string last;
+    for (std::string line; std::getline(stream, line); last = line) {
+        const std::size_t at = line.find(" warning set/log: ");
+        if (at != std::string::npos)
+            std::sscanf(line.c_str() + at,
+                        " warning set/log: %d lines were dropped that standard error did not take", &told);
+        whole += line.ends_with(std::string(6000, 'x'));
+        EXPECT_THAT(line, MatchesRegex(std::string(timePattern) + "(debug|warning) .*"));
+    }
+    EXPECT_GT(told, 0);
+    EXPECT_EQ(whole + told, lines) << "a line is whole or told of";
+    EXPECT_THAT(last, testing::EndsWith(" debug a: last"));
+}
+
+TEST(LogOutput, FollowsStandardErrorToAnotherFile) {
+    LogOutput output;
+    const UnreadPipe first;
+    output.write(Logger::Debug, "a", "one");
+    EXPECT_THAT(first.read(), testing::HasSubstr("one"));
+    const UnreadPipe second;
+    output.write(Logger::Debug, "a", "two");
+    EXPECT_THAT(second.read(), testing::HasSubstr("two"));
+    EXPECT_EQ(first.read(), "");
+}
+
+TEST(LogOutput, WritesToASocket) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()));
+    const int before = dup(STDERR_FILENO);
+    dup2(ends[1], STDERR_FILENO);
+    LogOutput output;
+    for (int line = 0; line < 20000; ++line)
+        output.write(Logger::Debug, "a", "line");
+    dup2(before, STDERR_FILENO);
+    close(before);
+    close(ends[1]);
+    std::string text(100, '\0');
+    text.resize(static_cast<std::size_t>(std::max<ssize_t>(0, read(ends[0], text.data(), text.size()))));
+    close(ends[0]);
+    EXPECT_THAT(text, testing::HasSubstr(" debug a: line\n"));
 }
 
 }  // namespace
