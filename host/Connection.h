@@ -3,15 +3,20 @@
 
 #include <sqlite3.h>
 
+#include <memory>
 #include <string>
 
 #include "host/Export.h"
+
+namespace epgset {
+class StatementCache;
+}
 
 /// One SQLite database. Not copyable; closed when it is destroyed, after the statements that were
 /// compiled on it, each of which shares it.
 class HOST_API Connection {
 public:
-    Connection() = default;
+    Connection();
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -26,5 +31,8 @@ public:
     sqlite3* handle() const { return m_handle; }
 
 private:
+    friend class Statement;
+
     sqlite3* m_handle = nullptr;
+    std::unique_ptr<epgset::StatementCache> m_kept;  ///< compiled statements for texts that come again
 };

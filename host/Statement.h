@@ -23,7 +23,8 @@ public:
 
     /// Prepares the first statement of the SQL text, in place of an earlier one, and keeps the rest
     /// as the new SQL text. On a failure SQLite's message and the text are logged, the handle is
-    /// empty, and so is the remaining text.
+    /// empty, and so is the remaining text. A statement that was closed before may come back, as if
+    /// just prepared, when its text does.
     void compile();
 
     /// Runs one step: true for a row and for completion, false otherwise. The step of a Statement
@@ -33,7 +34,7 @@ public:
     /// Whether SQL text is left to compile.
     bool hasMoreSql() const { return !m_sql.empty(); }
 
-    /// Finalises the prepared statement; the destructor does the same.
+    /// Ends the prepared statement, which holds nothing from then on; the destructor does the same.
     void close();
 
     /// The SQLite handle for stepping and reading rows, owned by the statement; null when there is
@@ -42,6 +43,7 @@ public:
 
 private:
     sqlite3_stmt* m_handle = nullptr;
+    bool m_concernsRowsAlone = false;
     std::string m_sql;
     Container::SharedPtr<Connection> m_connection;
 };

@@ -6,6 +6,7 @@
 #include "set/database/DatabaseGuard.h"
 #include "set/database/OpenConnections.h"
 #include "set/database/SearchScore.h"
+#include "set/database/StatementCache.h"
 
 namespace {
 
@@ -17,9 +18,12 @@ struct CloseDatabase {
 
 }  // namespace
 
+Connection::Connection() = default;
+
 Connection::~Connection() {
     if (!m_handle) return;
     epgset::removeOpenConnection(m_handle);
+    m_kept->clear();
     sqlite3_close_v2(m_handle);
 }
 
@@ -43,7 +47,8 @@ bool Connection::open(const std::string& name) {
                      opened ? sqlite3_errmsg(opened) : sqlite3_errstr(code));
         return false;
     }
-    epgset::addOpenConnection(opened);
+    m_kept = std::make_unique<epgset::StatementCache>();
+    epgset::addOpenConnection(opened, *m_kept);
     m_handle = database.release();
     return true;
 }

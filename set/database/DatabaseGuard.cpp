@@ -19,6 +19,10 @@ const Container::Logger logger = Container::Logger::logger("set/database");
 
 thread_local bool compilingText = false;
 
+/// What the authorizer has met in the text that is being compiled.
+thread_local bool metRows = false;
+thread_local bool metOthers = false;
+
 bool sameName(const char* name, std::string_view other) {
     return name && std::string_view(name).size() == other.size() &&
            sqlite3_strnicmp(name, other.data(), static_cast<int>(other.size())) == 0;
@@ -62,9 +66,27 @@ int refuse(const std::string& what) {
 
 std::atomic<std::uint64_t> tableCount = 0;
 
+void noteAction(int action) {
+    switch (action) {
+        case SQLITE_SELECT:
+        case SQLITE_INSERT:
+        case SQLITE_UPDATE:
+        case SQLITE_DELETE:
+            metRows = true;
+            break;
+        case SQLITE_READ:
+        case SQLITE_FUNCTION:
+        case SQLITE_RECURSIVE:
+            break;
+        default:
+            metOthers = true;
+    }
+}
+
 /// SQLite's authorizer: called for each action while a statement is compiled. Its arguments depend on
 /// the action and may be null.
 int authorize(void*, int action, const char* first, const char* second, const char* database, const char*) {
+    if (compilingText) noteAction(action);
     switch (action) {
         case SQLITE_ATTACH:
             // What VACUUM attaches in the course of its step is a temporary database without a name.
@@ -153,10 +175,16 @@ int guardDatabase(sqlite3* database) {
 
 TextCompilation::TextCompilation() {
     compilingText = true;
+    metRows = false;
+    metOthers = false;
 }
 
 TextCompilation::~TextCompilation() {
     compilingText = false;
+}
+
+bool TextCompilation::concernsRowsAlone() const {
+    return metRows && !metOthers;
 }
 
 }  // namespace epgset

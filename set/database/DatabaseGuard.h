@@ -29,6 +29,9 @@ public:
     ~TextCompilation();
     TextCompilation(const TextCompilation&) = delete;
     TextCompilation& operator=(const TextCompilation&) = delete;
+
+    /// Whether what was compiled so far reads and changes rows of tables and nothing else.
+    bool concernsRowsAlone() const;
 };
 
 }  // namespace epgset

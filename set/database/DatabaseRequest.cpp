@@ -1,8 +1,12 @@
 #include "set/database/DatabaseRequest.h"
 
+#include <malloc.h>
+
+#include <cstdint>
 #include <exception>
 
 #include "host/Logger.h"
+#include "set/database/DatabaseGuard.h"
 #include "set/database/OpenConnections.h"
 
 namespace epgset {
@@ -19,6 +23,7 @@ struct ThreadState {
     DatabaseRequest::Bound bound{};
     SteadyClock::duration worked{};        ///< by statements that count
     SteadyClock::time_point countedUntil;  ///< of the statement that runs
+    std::uint64_t tablesBefore = 0;
     std::string lastError;
 };
 
@@ -46,6 +51,7 @@ DatabaseRequest::DatabaseRequest(std::chrono::milliseconds limit, Bound bound) {
     state.bound = bound;
     state.worked = {};
     state.countedUntil = SteadyClock::now();
+    state.tablesBefore = tablesMade();
     state.lastError.clear();
 }
 
@@ -53,6 +59,8 @@ DatabaseRequest::~DatabaseRequest() {
     threadState().inRequest = false;
     rollBackOpenTransactions();
     logOpenStatements();
+    // Filling a table and sorting its indexes takes memory that the rest of the time is not needed.
+    if (tablesMade() != threadState().tablesBefore) ::malloc_trim(0);
 }
 
 const std::string& lastDatabaseError() {

@@ -8,6 +8,7 @@
 #include "set/database/DatabaseFaults.h"
 #include "set/database/DatabaseGuard.h"
 #include "set/database/DatabaseRequest.h"
+#include "set/database/StatementCache.h"
 #include "set/database/StatementText.h"
 
 using epgset::DatabaseFault;
@@ -56,21 +57,26 @@ bool endsAtNul(const std::string& sql, std::size_t read) {
     return read < sql.size() && sql[read] == '\0' && (read == 0 || sql[read - 1] != ';');
 }
 
-/// Compiles the first statement of `sql`. Answers how much of the text it took, and all of it, with a
-/// null `statement`, when that failed.
-std::size_t compileFirst(sqlite3* database, const std::string& sql, sqlite3_stmt*& statement) {
+/// Compiles the first statement of `sql`, or takes it as kept. Answers how much of the text it took, and all
+/// of it, with a null `statement`, when that failed.
+std::size_t compileFirst(sqlite3* database, epgset::StatementCache& kept, const std::string& sql,
+                         sqlite3_stmt*& statement, bool& concernsRowsAlone) {
     statement = nullptr;
     if (sql.size() >= INT_MAX) {
         reportCompileError(sqlite3_errstr(SQLITE_TOOBIG), "(a text of more than 2 GiB)");
         return sql.size();
     }
     const ConnectionLock lock(database);
+    statement = kept.take(sql);
+    concernsRowsAlone = statement != nullptr;
+    if (statement) return sql.size();
     const char* tail = nullptr;
     int code;
     {
         const epgset::TextCompilation compilation;
         // With the terminating NUL counted in, SQLite makes no copy of the text.
         code = sqlite3_prepare_v2(database, sql.c_str(), static_cast<int>(sql.size() + 1), &statement, &tail);
+        concernsRowsAlone = compilation.concernsRowsAlone();
     }
     if (code != SQLITE_OK) {
         reportCompileError(sqlite3_errmsg(database), sql);
@@ -82,7 +88,19 @@ std::size_t compileFirst(sqlite3* database, const std::string& sql, sqlite3_stmt
         reportCompileError("a NUL byte in the text", sql);
         return sql.size();
     }
+    if (statement && !concernsRowsAlone) kept.clear();
     return statement ? read : sql.size();
+}
+
+/// Ends a statement that has been reset and belongs to the open connection of `kept`.
+void keepOrFinalize(sqlite3_stmt* statement, epgset::StatementCache& kept, bool concernsRowsAlone) {
+    const ConnectionLock lock(sqlite3_db_handle(statement));
+    if (concernsRowsAlone) {
+        kept.put(statement);
+    } else {
+        sqlite3_finalize(statement);
+        kept.clear();  // a table that it dropped, say: texts that name it fail to compile from here on
+    }
 }
 
 }  // namespace
@@ -104,7 +122,8 @@ void Statement::compile() {
         return;
     }
     epgset::beginStatementTime();
-    const std::size_t read = compileFirst(database, sql, m_handle);
+    const std::size_t read =
+        compileFirst(database, *m_connection->m_kept, sql, m_handle, m_concernsRowsAlone);
     const std::size_t next = read + epgset::nextStatement(std::string_view(sql).substr(read));
     if (next < sql.size()) m_sql = sql.substr(next);
 }
@@ -122,5 +141,9 @@ bool Statement::step() {
 void Statement::close() {
     if (!m_handle) return;
     reportRunError(m_handle);
-    sqlite3_finalize(std::exchange(m_handle, nullptr));
+    sqlite3_stmt* const ended = std::exchange(m_handle, nullptr);
+    if (m_connection && m_connection->handle() == sqlite3_db_handle(ended))
+        keepOrFinalize(ended, *m_connection->m_kept, m_concernsRowsAlone);
+    else
+        sqlite3_finalize(ended);  // of a connection that was exchanged since
 }

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "set/database/OpenConnections.h"
 #include "tests/support/PluginTest.h"
 #include "tests/support/SqlTrace.h"
 
@@ -96,9 +97,7 @@ protected:
         return lines;
     }
 
-    static bool leavesNoStatement() {
-        return sqlite3_next_stmt(OpenPlugin::epgDBConnection->handle(), nullptr) == nullptr;
-    }
+    static bool leavesNoStatement() { return epgset::openStatementCount() == 0; }
 
     /// Books every programme of a channel: only rows with a schedule are left.
     static void book(const std::string& channelId) {

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "set/database/OpenConnections.h"
 #include "tests/support/PluginTest.h"
 
 namespace epgtest {
@@ -38,9 +39,7 @@ protected:
     }
 
     /// Whether every statement on the plug-in's database is closed, so that its table can be dropped.
-    static bool leavesNoStatement() {
-        return sqlite3_next_stmt(OpenPlugin::epgDBConnection->handle(), nullptr) == nullptr;
-    }
+    static bool leavesNoStatement() { return epgset::openStatementCount() == 0; }
 };
 
 }  // namespace epgtest

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "set/database/OpenConnections.h"
 #include "tests/plugin/TableTest.h"
 #include "tests/support/DocumentCalls.h"
 
@@ -52,7 +53,7 @@ protected:
                        const std::string& startIndex = "", int kind = chosenColumns, int status = 200) const {
         const TestDocument document;
         EXPECT_EQ(list.write(sql, document, itemsMax, startIndex, kind, database), status) << sql;
-        EXPECT_EQ(sqlite3_next_stmt(database->handle(), nullptr), nullptr) << "a statement was left open";
+        EXPECT_EQ(epgset::openStatementCount(), 0u) << "a statement was left open";
         return document.json();
     }
 };
@@ -164,7 +165,7 @@ TEST_P(EveryResultList, EndsWhenAnObjectCannotBeMade) {
             EXPECT_EQ(GetParam().write(numbers(3), document, maximum, "", chosenColumns, database), -1);
             epgset::failDocumentObjectsAfter(-1);
             EXPECT_EQ(document.json(), soFar[objects]);
-            EXPECT_EQ(sqlite3_next_stmt(database->handle(), nullptr), nullptr);
+            EXPECT_EQ(epgset::openStatementCount(), 0u);
         }
     }
 }

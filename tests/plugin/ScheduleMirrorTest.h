@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "set/database/OpenConnections.h"
 #include "tests/plugin/AdapterTest.h"
 #include "tests/plugin/TableTest.h"
 #include "tests/support/TestReminders.h"
@@ -92,7 +93,7 @@ protected:
 
     std::vector<Row> count() const { return rows("SELECT count(*) FROM myView"); }
 
-    bool leavesNoStatement() const { return sqlite3_next_stmt(database->handle(), nullptr) == nullptr; }
+    bool leavesNoStatement() const { return epgset::openStatementCount() == 0; }
 
     /// Rows that pruning may take, each with a name of that size in bytes. They start after all others.
     void addPrunable(int number, int bytes = 10) const {
