@@ -1,7 +1,7 @@
 // The client's own SQL: one statement, its rows as the answer.
 #include <string>
 
-#include "Vexmoor/EpgSQLPluginVexmoor.h"
+#include "Vexmoor/RowWriter.h"
 #include "host/ResponseDocument.h"
 
 int EpgSQLPluginVexmoor::m_SendSQLCmd(TARNO_rstr_uri_query_st* queryRecord, ConnectionPtr connection,
@@ -15,13 +15,14 @@ int EpgSQLPluginVexmoor::m_SendSQLCmd(TARNO_rstr_uri_query_st* queryRecord, Conn
     void* items = TARNO_rdoc_create_object(document);
     if (items == nullptr) return -1;
     TARNO_rdoc_add_object(document, "items", items);
+    RowWriter writer(ChannelView);
     int rowCount = 0;
     for (; sqlite3_step(statement.handle()) == SQLITE_ROW; ++rowCount) {
         if (pluginLogger.isTraceEnabled()) m_printSqlRowData(statement);
         void* row = TARNO_rdoc_create_object(document);
         if (row == nullptr) return -1;
         TARNO_rdoc_add_object(items, nullptr, row);
-        m_output_sql_result(row, ChannelView, statement.handle());
+        writer.write(row, statement.handle());
     }
     const bool mayChangeSchema = sqlite3_stmt_readonly(statement.handle()) == 0;
     statement.close();

@@ -190,7 +190,11 @@ protected:  // open to derived classes, so that each operation can be tried alon
                                            std::string startIndex, int selectKind, ConnectionPtr connection);
     static int m_getPrgmListResults(std::string sql, void* document, std::string itemsMax,
                                     std::string startIndex, int selectKind, ConnectionPtr connection);
+    class RowWriter;
     struct ListStyle;
+
+    /// How many programmes the unfiltered list has; -1 when they cannot be counted.
+    static std::int32_t m_countWholeTable(ConnectionPtr connection);
 
     /// What the three lists share: the "items", the page, the counts.
     static int m_getListResults(const ListStyle& style, const std::string& sql, void* document,

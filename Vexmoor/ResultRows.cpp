@@ -2,11 +2,11 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <utility>
+#include <string_view>
 
 #include "Vexmoor/ColumnText.h"
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
-#include "Vexmoor/HeapText.h"
+#include "Vexmoor/RowWriter.h"
 #include "host/ResponseDocument.h"
 
 namespace {
@@ -24,7 +24,26 @@ struct Page {
     bool holdsNextRow() const {
         return total >= startIndex && static_cast<std::int64_t>(startIndex) + itemsMax > total;
     }
+
+    bool isBehindNextRow() const { return static_cast<std::int64_t>(startIndex) + itemsMax <= total; }
 };
+
+/// How a statement ends that lists the programmes of the whole table as they stand there.
+constexpr std::string_view wholeTable = " FROM myView WHERE NOT ProgramName='channel_stub' ;";
+
+/// Counts the same rows without reading them: those of the table less those that the condition leaves out,
+/// which are a handful and have an index.
+constexpr const char* wholeTableCount =
+    "SELECT (SELECT count(*) FROM myView) - (SELECT count(*) FROM myView WHERE ProgramName='channel_stub' OR "
+    "ProgramName IS NULL);";
+
+/// Whether a statement gives one row for each that wholeTableCount counts.
+bool listsWholeTable(std::string_view sql) {
+    if (!sql.ends_with(wholeTable)) return false;
+    const std::string_view columns = sql.substr(0, sql.size() - wholeTable.size());
+    return columns.starts_with("SELECT ") && columns.find_first_of("('") == std::string_view::npos &&
+           columns.find("DISTINCT") == std::string_view::npos;
+}
 
 }  // namespace
 
@@ -57,34 +76,13 @@ struct EpgSQLPluginVexmoor::ListStyle {
 int EpgSQLPluginVexmoor::m_getSqlRowData(sqlite3_stmt* statement, int keyView,
                                          std::map<std::string, std::string>& row) {
     if (statement == nullptr) return -1;
-    const int columnCount = sqlite3_data_count(statement);
-    for (int i = 0; i < columnCount; ++i) {
-        const char* const columnName = sqlite3_column_name(statement, i);
-        const std::string name = columnName == nullptr ? "" : columnName;  // null without memory
-        const bool isTime = name == "ProgramStartTime" || name == "ProgramEndTime";
-        std::string value =
-            isTime ? std::to_string(sqlite3_column_int(statement, i)) : columnText(statement, i);
-        std::string key;
-        m_convertColNameToUrParam(name, keyView, key);
-        row[key] = std::move(value);
-    }
+    RowWriter(keyView).read(statement, row);
     return 0;
 }
 
 int EpgSQLPluginVexmoor::m_output_sql_result(void* object, int keyView, sqlite3_stmt* statement) {
     if (object == nullptr || statement == nullptr) return -1;
-    std::map<std::string, std::string> row;
-    m_getSqlRowData(statement, keyView, row);
-    for (const auto& [key, value] : row) {
-        if (key == "scrambled") {
-            TARNO_rdoc_add_boolean(object, key.c_str(), value.c_str());
-        } else if (key == "start" || key == "end") {
-            const HeapText time(t_get_ISO8601_from_UNIX(t_read_int(value.c_str())));
-            TARNO_rdoc_add_UTF8(object, key.c_str(), time.get());
-        } else {
-            TARNO_rdoc_add_UTF8(object, key.c_str(), value.c_str());
-        }
-    }
+    RowWriter(keyView).write(object, statement);
     return 0;
 }
 
@@ -98,6 +96,14 @@ int EpgSQLPluginVexmoor::m_printSqlRowData(Statement& statement) {
         line.append(", ").append(texts[i]);
     pluginLogger.trace("%s\n", line);
     return 0;
+}
+
+std::int32_t EpgSQLPluginVexmoor::m_countWholeTable(ConnectionPtr connection) {
+    Statement statement;
+    statement.setConnection(connection);
+    statement.setSql(wholeTableCount);
+    statement.compile();
+    return sqlite3_step(statement.handle()) == SQLITE_ROW ? sqlite3_column_int(statement.handle(), 0) : -1;
 }
 
 int EpgSQLPluginVexmoor::m_getListResults(const ListStyle& style, const std::string& sql, void* document,
@@ -116,15 +122,23 @@ int EpgSQLPluginVexmoor::m_getListResults(const ListStyle& style, const std::str
     TARNO_rdoc_add_object(document, "items", items);
 
     const bool writesAll = style.writesAllUnpaged && itemsMax.empty() && startIndex.empty();
+    const bool isCountable = listsWholeTable(sql);
+    RowWriter writer(style.keyView);
     Page page;
     for (; sqlite3_step(statement.handle()) == SQLITE_ROW; ++page.total) {
         style.readPaging(itemsMax, startIndex, page);
-        if (!writesAll && !page.holdsNextRow()) continue;
+        if (!writesAll && !page.holdsNextRow()) {
+            if (!isCountable || !page.isBehindNextRow()) continue;
+            const std::int32_t counted = m_countWholeTable(connection);
+            if (counted <= page.total) continue;  // it could not be counted, or changes meanwhile
+            page.total = counted;
+            break;
+        }
         if (!writesAll && style.logsPagedRows) pluginLogger.debug("Writing to RDOC\n");
         void* row = TARNO_rdoc_create_object(document);
         if (row == nullptr) return -1;
         TARNO_rdoc_add_object(items, nullptr, row);
-        m_output_sql_result(row, style.keyView, statement.handle());
+        writer.write(row, statement.handle());
         if (selectKind != ChosenColumns) {
             TARNO_rdoc_add_UTF8(row, "thumb_uri", placeholderUrl);
             TARNO_rdoc_add_UTF8(row, "category", "TBD");

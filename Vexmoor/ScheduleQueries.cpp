@@ -5,6 +5,7 @@
 #include "Vexmoor/ColumnText.h"
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
 #include "Vexmoor/HeapText.h"
+#include "Vexmoor/RowWriter.h"
 #include "Vexmoor/TextCompare.h"
 #include "host/CRemindInfo.h"
 #include "host/CReminder.h"
@@ -56,12 +57,13 @@ int EpgSQLPluginVexmoor::m_getSchedulesResults(std::string sql, void* document, 
     void* items = TARNO_rdoc_create_object(document);
     if (items == nullptr) return -1;
     TARNO_rdoc_add_object(document, "items", items);
+    RowWriter writer(ScheduleView);
     int total = 0;
     for (; sqlite3_step(statement.handle()) == SQLITE_ROW; ++total) {
         void* row = TARNO_rdoc_create_object(document);
         if (row == nullptr) return -1;
         TARNO_rdoc_add_object(items, nullptr, row);
-        m_output_sql_result(row, ScheduleView, statement.handle());
+        writer.write(row, statement.handle());
     }
     if (total != 0) TARNO_rdoc_add_integer(document, "items_total", total);
     statement.close();

@@ -32,13 +32,15 @@ protected:
 
 TEST_F(Indexes, AreMadeAfterTheFill) {
     fill();
-    EXPECT_THAT(names(), ElementsAre(Row{"myViewBooked"}, Row{"myViewEvent"}, Row{"myViewSchedule"}));
+    EXPECT_THAT(names(), ElementsAre(Row{"myViewBooked"}, Row{"myViewChannel"}, Row{"myViewEvent"},
+                                     Row{"myViewSchedule"}, Row{"myViewStub"}));
 }
 
 TEST_F(Indexes, AreMadeAgainByARebuild) {
     fill();
     plugin()->rebuildDB(true);
-    EXPECT_THAT(names(), ElementsAre(Row{"myViewBooked"}, Row{"myViewEvent"}, Row{"myViewSchedule"}));
+    EXPECT_THAT(names(), ElementsAre(Row{"myViewBooked"}, Row{"myViewChannel"}, Row{"myViewEvent"},
+                                     Row{"myViewSchedule"}, Row{"myViewStub"}));
 }
 
 TEST_F(Indexes, ServeTheStatementsOfEveryRequest) {
@@ -54,6 +56,13 @@ TEST_F(Indexes, ServeTheStatementsOfEveryRequest) {
                 testing::HasSubstr("myViewEvent"));
     EXPECT_THAT(plan("SELECT EventId From myView WHERE EventId='pid-000-9-0-1';"),
                 testing::HasSubstr("myViewEvent"));
+    EXPECT_THAT(plan("SELECT ChannelId From myView WHERE ChannelId='cid-000-9';"),
+                testing::HasSubstr("myViewChannel"));
+    EXPECT_THAT(plan("SELECT EventId FROM myView WHERE ChannelId='cid-000-9'  AND NOT "
+                     "ProgramName='channel_stub' ;"),
+                testing::HasSubstr("myViewChannel"));
+    EXPECT_THAT(plan("SELECT count(*) FROM myView WHERE ProgramName='channel_stub' OR ProgramName IS NULL;"),
+                testing::HasSubstr("myViewStub"));
 }
 
 TEST_F(Indexes, ChangeNoAnswerAndNoOrderOfRows) {

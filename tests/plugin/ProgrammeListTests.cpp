@@ -1,6 +1,7 @@
 // The programme lists: of all channels and of one.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -162,6 +163,30 @@ TEST_F(ProgrammeLists, OfAllHoldsThePageAskedFor) {
     EXPECT_EQ(names("items_max=2x&items_start_index=1"), listOf({"Football", "Football live"}, 1, 5));
     EXPECT_EQ(names("items_start_index=4"), listOf({"No information"}, 4, 5));
     EXPECT_EQ(names("items_max=1&items_start_index=x"), listOf({"Morning"}, 0, 5));
+}
+
+TEST_F(ProgrammeLists, OfAllCountTheRowsBehindThePageWithoutReadingThem) {
+    addStub("cid-000-10", "stub");
+    table("INSERT INTO myView (ChannelId, ProgramName) VALUES ('cid-000-10', NULL)");
+    table("INSERT INTO myView (ChannelId, ProgramName) VALUES ('cid-000-10', '')");
+    const std::vector<std::string> all = {"Morning", "Football",       "Football live",
+                                          "Western", "No information", ""};
+    const int total = static_cast<int>(all.size());
+    for (int start = 0; start <= total + 1; ++start) {
+        for (int most = 1; most <= total + 1; ++most) {
+            const std::string query =
+                "items_max=" + std::to_string(most) + "&items_start_index=" + std::to_string(start);
+            const int begin = std::min(start, total);
+            const int end = std::min(start + most, total);
+            const std::vector<std::string> page(all.begin() + begin, all.begin() + std::max(begin, end));
+            EXPECT_EQ(names(query), listOf(page, start, total)) << query;
+        }
+    }
+    const SqlTrace trace(*OpenPlugin::epgDBConnection);
+    names("items_max=1");
+    EXPECT_THAT(trace.statements,
+                ElementsAre("SELECT ProgramName FROM myView WHERE NOT ProgramName='channel_stub' ;",
+                            HasSubstr("SELECT count(*) FROM myView")));
 }
 
 TEST_F(ProgrammeLists, RefuseAPageThatCannotBe) {

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "set/database/OpenConnections.h"
 #include "tests/plugin/TableTest.h"
 #include "tests/support/SqlTrace.h"
 #include "tests/support/StepAnswer.h"
@@ -101,7 +102,7 @@ TEST_F(Pruning, GivesTheFreedPagesBack) {
         add("'pid-" + std::to_string(i) + "'", std::to_string(i), "''", "hex(zeroblob(50000))");
     EXPECT_GT(databaseSize(), 400'000);
     prune(5);
-    EXPECT_LE(databaseSize(), 5 * 4096);  // one page for the schema, the table and each of its indexes
+    EXPECT_LE(databaseSize(), 7 * 4096);  // one page for the schema, the table and each of its indexes
 }
 
 TEST_F(Pruning, KeepsBookedProgrammes) {
@@ -183,7 +184,7 @@ TEST_F(Pruning, CompactsTheDatabaseThoughTheSelectionFails) {
 TEST_F(Pruning, LeavesTheConnectionWithoutOpenStatements) {
     addProgrammes(3);
     prune(2);
-    EXPECT_EQ(sqlite3_next_stmt(database->handle(), nullptr), nullptr);
+    EXPECT_EQ(epgset::openStatementCount(), 0u);
 }
 
 }  // namespace
