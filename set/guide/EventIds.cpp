@@ -122,22 +122,23 @@ std::vector<std::uint16_t> EventIds::assign(const std::string& channelId,
     }
     Remembered& remembered = channels_[channelId];
     IdSet used;
-    for (const auto& [start, given] : remembered)
+    for (const Given& given : remembered)
         used.add(given.id);
 
+    Remembered added;
     std::vector<std::uint16_t> ids(starts.size(), 0);
     const auto give = [&](std::size_t index, std::uint16_t id) {
         used.add(id);
-        remembered.emplace(starts[index], Given{id, guide_});
+        added.push_back({.start = starts[index], .guide = guide_, .id = id});
         changed_ = true;
         ids[index] = id;
     };
     // Who gets its first choice does not depend on where those that do not are put.
     for (std::size_t index = 0; index < starts.size(); ++index) {
-        const auto known = remembered.find(starts[index]);
-        if (known != remembered.end()) {
-            known->second.guide = guide_;
-            ids[index] = known->second.id;
+        const auto known = std::ranges::lower_bound(remembered, starts[index], {}, &Given::start);
+        if (known != remembered.end() && known->start == starts[index]) {
+            known->guide = guide_;
+            ids[index] = known->id;
         } else if (const std::uint16_t id = firstChoice(starts[index]); !used.has(id)) {
             give(index, id);
         }
@@ -146,14 +147,16 @@ std::vector<std::uint16_t> EventIds::assign(const std::string& channelId,
         if (ids[index] != 0) continue;
         auto id = used.freeFrom(firstChoice(starts[index]));
         if (!id) {  // all are remembered: the oldest programme that is no longer in the guide gives its id up
-            const auto gone = std::find_if(remembered.begin(), remembered.end(), [&](const auto& entry) {
-                return !std::binary_search(starts.begin(), starts.end(), entry.first);
+            const auto gone = std::ranges::find_if(remembered, [&](const Given& given) {
+                return !std::ranges::binary_search(starts, given.start);
             });
-            id = gone->second.id;
+            id = gone->id;
             remembered.erase(gone);
         }
         give(index, *id);
     }
+    remembered.insert(remembered.end(), added.begin(), added.end());
+    std::ranges::sort(remembered, {}, &Given::start);
     return ids;
 }
 
@@ -172,9 +175,8 @@ void EventIds::save(std::int64_t now) {
 
 void EventIds::forgetBefore(std::int64_t time) {
     for (auto channel = channels_.begin(); channel != channels_.end();) {
-        const auto old = std::erase_if(channel->second, [&](const auto& entry) {
-            return entry.first < time && entry.second.guide != guide_;
-        });
+        const auto old = std::erase_if(
+            channel->second, [&](const Given& given) { return given.start < time && given.guide != guide_; });
         if (old > 0) changed_ = true;
         channel = channel->second.empty() ? channels_.erase(channel) : std::next(channel);
     }
@@ -188,9 +190,8 @@ std::string EventIds::fileText() const {
     std::string text = fmt::format("{}\n", kHead);
     for (const std::string_view name : names) {
         fmt::format_to(std::back_inserter(text), "{}{}\n", kChannelWord, escaped(name));
-        for (const auto& [start, given] : channels_.at(std::string(name))) {
-            fmt::format_to(std::back_inserter(text), "{} {}\n", start, given.id);
-        }
+        for (const Given& given : channels_.at(std::string(name)))
+            fmt::format_to(std::back_inserter(text), "{} {}\n", given.start, given.id);
     }
     return text;
 }
@@ -215,15 +216,19 @@ void EventIds::load() {
         if (line.starts_with(kChannelWord)) {
             remembered = &channels_[unescaped(std::string_view(line).substr(kChannelWord.size()))];
             used = {};
-            for (const auto& [start, given] : *remembered)
+            for (const Given& given : *remembered)
                 used.add(given.id);
             continue;
         }
         const auto entry = readEntry(line);
-        if (entry && remembered != nullptr && !used.has(entry->second) &&
-            remembered->emplace(entry->first, Given{entry->second, 0}).second) {
-            used.add(entry->second);
-            continue;
+        if (entry && remembered != nullptr && !used.has(entry->second)) {
+            const auto [start, id] = *entry;
+            const auto place = std::ranges::lower_bound(*remembered, start, {}, &Given::start);
+            if (place == remembered->end() || place->start != start) {
+                remembered->insert(place, {.start = start, .guide = 0, .id = id});
+                used.add(id);
+                continue;
+            }
         }
         if (unread++ == 0) firstUnread = number;
     }

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <map>
 #include <span>
 #include <string>
 #include <unordered_map>
@@ -43,10 +42,12 @@ public:
 
 private:
     struct Given {
-        std::uint16_t id;
+        std::uint32_t start;
         std::uint32_t guide;  ///< the guide in which the programme was met last
+        std::uint16_t id;
     };
-    using Remembered = std::map<std::uint32_t, Given>;  // by start
+    using Remembered =
+        std::vector<Given>;  // ascending by start: there is one for each programme of the guide
 
     void load();
     void forgetBefore(std::int64_t time);
