@@ -60,14 +60,20 @@ int pragmaNumber(Container::SharedPtr<Connection> connection, const char* sql) {
     return statement.step() ? sqlite3_column_int(statement.handle(), 0) : -1;
 }
 
+/// Pages that hold something: those that a dropped table left behind are there to be used again.
+int usedPages(Container::SharedPtr<Connection> connection) {
+    return pragmaNumber(connection, "PRAGMA page_count;") -
+           pragmaNumber(connection, "PRAGMA freelist_count;");
+}
+
 }  // namespace
 
 int EpgSQLPluginVexmoor::m_createIndexes(ConnectionPtr connection) {
     Statement statement;
     statement.setConnection(connection);
     for (const Index& index : indexes) {
-        const int pages = pragmaNumber(connection, "PRAGMA page_count;");
-        if (pages < 0 || pages + pages * index.percent / 100 + freePages > maximumPages) {
+        const int pages = usedPages(connection);
+        if (pages <= 0 || pages + pages * index.percent / 100 + freePages > maximumPages) {
             pluginLogger.debug("No room for an index\n");
             break;
         }
@@ -84,9 +90,7 @@ void EpgSQLPluginVexmoor::m_hintIndexes(ConnectionPtr connection) {
     sqlite3* const database = connection ? connection->handle() : nullptr;
     // Not in a client's transaction, which a failure could end.
     if (database == nullptr || sqlite3_get_autocommit(database) == 0) return;
-    const int used =
-        pragmaNumber(connection, "PRAGMA page_count;") - pragmaNumber(connection, "PRAGMA freelist_count;");
-    if (used + hintPages > maximumPages) return;
+    if (usedPages(connection) + hintPages > maximumPages) return;
     // What fails here changes no answer, so it is no failure of the request that is running.
     if (sqlite3_exec(database, hints, nullptr, nullptr, nullptr) == SQLITE_OK) return;
     sqlite3_exec(database, "DROP TABLE IF EXISTS sqlite_stat1;", nullptr, nullptr, nullptr);

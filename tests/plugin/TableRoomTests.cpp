@@ -36,12 +36,17 @@ protected:
     }
     bool addGuide() const { return addRows(guideRows_); }
 
+    void dropIndexes() const {
+        for (const char* index :
+             {"myViewEvent", "myViewSchedule", "myViewBooked", "myViewStub", "myViewChannel"})
+            ASSERT_TRUE(run(std::string("DROP INDEX ") + index));
+    }
+
     int guideRows_ = 0;
 };
 
 TEST_F(TableRoom, HoldsNinetyFiveThousandProgrammesOfTheDemoGuideAndTheirIndexes) {
-    for (const char* index : {"myViewEvent", "myViewSchedule", "myViewBooked", "myViewStub", "myViewChannel"})
-        ASSERT_TRUE(run(std::string("DROP INDEX ") + index));
+    dropIndexes();
     const int bytesBefore = pages() * 4096;
     while (rows() < wantedRows)
         ASSERT_TRUE(addGuide()) << rows();
@@ -55,6 +60,11 @@ TEST_F(TableRoom, HoldsNinetyFiveThousandProgrammesOfTheDemoGuideAndTheirIndexes
     EXPECT_LE(pages(), maximumPages);
     std::printf("figure: %d rows of the demo guide: %d pages, %d with the indexes, of %d\n", rows(),
                 tablePages, pages(), maximumPages);
+
+    // As a fill does that follows another: the pages of the one before are free and not gone.
+    dropIndexes();
+    OpenPlugin::m_createIndexes(OpenPlugin::epgDBConnection);
+    EXPECT_EQ(number("SELECT count(*) FROM sqlite_master WHERE type='index'"), 5);
 
     while (addGuide()) {
     }
