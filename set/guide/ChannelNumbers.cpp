@@ -4,6 +4,8 @@
 #include <charconv>
 #include <limits>
 
+#include "set/guide/WhiteSpace.h"
+
 namespace epgset {
 namespace {
 
@@ -51,7 +53,7 @@ std::string channelName(const std::vector<std::string>& displayNames, const std:
     const auto found = std::find_if(displayNames.begin(), displayNames.end(), [](const std::string& name) {
         return !name.empty() && !hasNumberForm(name);
     });
-    return found == displayNames.end() ? id : *found;
+    return found == displayNames.end() ? withCollapsedSpace(id) : *found;
 }
 
 bool NumberPlan::take(int tvMode, ChannelNumber number) {

@@ -27,7 +27,7 @@ std::optional<ChannelNumber> readChannelNumber(std::string_view text);
 bool hasNumberForm(std::string_view text);
 
 /// The name of a channel: the first display name that is neither empty nor of the form of a number, else
-/// its id.
+/// its id, with its white space collapsed as a display name has it.
 std::string channelName(const std::vector<std::string>& displayNames, const std::string& id);
 
 /// Which numbers are taken on each antenna.

@@ -88,8 +88,8 @@ std::optional<std::uint32_t> GuideCollector::lastStartThatMayStay() const {
         sure.push_back(std::uint64_t{programme.start} << 32U | programme.channel);
     }
     std::ranges::sort(sure);
-    const auto repeated = std::ranges::unique(sure);
-    sure.erase(repeated.begin(), repeated.end());
+    // Not std::ranges::unique, whose answer clang++ 14 does not compile.
+    sure.erase(std::unique(sure.begin(), sure.end()), sure.end());
     const std::size_t wanted = bounds_.programmes + bounds_.programmes / 4;
     if (sure.size() < wanted) return std::nullopt;
     return static_cast<std::uint32_t>(sure[wanted - 1] >> 32U);

@@ -38,6 +38,10 @@ TEST(ChannelName, IsTheFirstThatIsNoNumber) {
     EXPECT_EQ(channelName({}, "id"), "id");
 }
 
+TEST(ChannelName, HasTheWhiteSpaceOfAnIdCollapsed) {
+    EXPECT_EQ(channelName({}, " news\n\t24 "), "news 24");
+}
+
 TEST(NumberPlan, GivesANumberOncePerAntenna) {
     NumberPlan plan;
     EXPECT_TRUE(plan.take(0, {7, 0}));
