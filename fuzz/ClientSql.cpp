@@ -36,6 +36,14 @@ int number(sqlite3* database, const char* sql) {
     return value;
 }
 
+/// Whether a statement is at work: was begun, and neither ended nor reset. Those that are kept are not.
+bool isBusy(sqlite3* database) {
+    sqlite3_stmt* statement = nullptr;
+    while ((statement = sqlite3_next_stmt(database, statement)) != nullptr)
+        if (sqlite3_stmt_busy(statement) != 0) return true;
+    return false;
+}
+
 /// What no statement of a client may change.
 void checkDatabase(sqlite3* database, std::string_view sql) {
     constexpr int main = 0;
@@ -44,7 +52,7 @@ void checkDatabase(sqlite3* database, std::string_view sql) {
     require(std::string_view(sqlite3_db_filename(database, sqlite3_db_name(database, main))).empty(),
             "the database stays in memory", sql);
     require(sqlite3_get_autocommit(database) != 0, "no transaction stays open", sql);
-    require(sqlite3_next_stmt(database, nullptr) == nullptr, "no statement stays open", sql);
+    require(!isBusy(database), "no statement stays at work", sql);
     require(sqlite3_memory_used() < heapLimit, "SQLite stays within its memory", sql);
     require(number(database, "SELECT count(*) FROM sqlite_temp_schema") == 0, "nothing temporary is made",
             sql);
