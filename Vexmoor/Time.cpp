@@ -1,6 +1,6 @@
 // Times: UNIX seconds, the middleware's local seconds, ISO 8601 texts.
+#include <chrono>
 #include <cstdlib>
-#include <ctime>
 
 #include "Vexmoor/EpgSQLPluginVexmoorUtil.h"
 #include "Vexmoor/HeapText.h"
@@ -88,19 +88,42 @@ long long daysSinceEpoch(int year, int month, int day) {
     return days;
 }
 
+struct CalendarTime {
+    int year;
+    int month;
+    int day;
+    int hour;
+    int minute;
+    int second;
+};
+
+/// Breaks seconds since 1970 down by the rules of UTC. gmtime_r would end in 2038 where the C library's times
+/// have 32 bits.
+CalendarTime calendarTime(long long seconds) {
+    // The calendar repeats every 400 years; that of the standard library ends with the year 32767.
+    constexpr long long cycle = 146097LL * 86400;
+    const std::chrono::sys_seconds time{std::chrono::seconds{seconds % cycle}};
+    const auto midnight = std::chrono::floor<std::chrono::days>(time);
+    const std::chrono::year_month_day date{midnight};
+    const int second = static_cast<int>((time - midnight).count());
+    return {.year = static_cast<int>(static_cast<int>(date.year()) + 400 * (seconds / cycle)),
+            .month = static_cast<int>(static_cast<unsigned>(date.month())),
+            .day = static_cast<int>(static_cast<unsigned>(date.day())),
+            .hour = second / 3600,
+            .minute = second / 60 % 60,
+            .second = second % 60};
+}
+
 }  // namespace
 
 char* t_get_ISO8601_from_UNIX(long long unixTime) {
     const int zone = zoneOffset();
-    static_assert(sizeof(std::time_t) == 8, "times reach beyond 2038: 32-bit systems build with 64-bit time");
     // The clock's digits hold the daylight-saving hour, the printed offset does not, on purpose.
-    const std::time_t local = static_cast<std::time_t>(unixTime + zone + daylightSavingOffset());
-    std::tm parts = {};
-    gmtime_r(&local, &parts);
+    const CalendarTime local = calendarTime(unixTime + zone + daylightSavingOffset());
     const int absolute = std::abs(zone);
     TextBuilder text(iso8601Bytes);
-    text.add(parts.tm_year + 1900, 4).add("-").add(parts.tm_mon + 1, 2).add("-").add(parts.tm_mday, 2);
-    text.add("T").add(parts.tm_hour, 2).add(":").add(parts.tm_min, 2).add(":").add(parts.tm_sec, 2);
+    text.add(local.year, 4).add("-").add(local.month, 2).add("-").add(local.day, 2);
+    text.add("T").add(local.hour, 2).add(":").add(local.minute, 2).add(":").add(local.second, 2);
     text.add(zone < 0 ? "-" : "+").add(absolute / 3600, 2).add(":").add(absolute % 3600 / 60, 2);
     return text.release();
 }

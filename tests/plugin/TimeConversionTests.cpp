@@ -39,6 +39,18 @@ TEST_F(TimeText, IsIso8601WithTheZone) {
     EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(-1)), "1969-12-31T23:59:59+00:00");
 }
 
+TEST_F(TimeText, KnowsTheCalendarWhereverTheTimesOfTheCLibraryEnd) {
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(2147483647)), "2038-01-19T03:14:07+00:00");
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(2147483648)), "2038-01-19T03:14:08+00:00");
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(4107542399)), "2100-02-28T23:59:59+00:00");
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(4107542400)), "2100-03-01T00:00:00+00:00");
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(12622780800)), "2370-01-01T00:00:00+00:00");
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(-2147483649)), "1901-12-13T20:45:51+00:00");
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(-12622780801)), "1569-12-31T23:59:59+00:00");
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(-62167219200)), "0000-01-01T00:00:00+00:00");
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(1200129868800)), "40000-08-08T00:00:00+00:0");
+}
+
 TEST_F(TimeText, IsInTheSetsZone) {
     const struct {
         int minutesEast;
