@@ -20,4 +20,12 @@ inline std::tuple<std::tuple<std::uint32_t, int>, int, int> channelRank(const Ch
     return {modeRank(channel.tvMode), channel.major, channel.minor};
 }
 
+/// The same as one number, for a mode of less than 24 bits.
+inline std::uint64_t channelNumber(int tvMode, int major, int minor) {
+    const auto row = static_cast<std::uint64_t>(receptionModeByTvMode(tvMode) & 0xFF);
+    const auto mode = (static_cast<std::uint64_t>(tvMode) + 0x80'0000) & 0xFF'FFFF;
+    const auto ascending = [](int number) { return static_cast<std::uint64_t>(number + 0x8000) & 0xFFFF; };
+    return row << 56 | mode << 32 | ascending(major) << 16 | ascending(minor);
+}
+
 }  // namespace epgset

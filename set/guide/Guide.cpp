@@ -16,16 +16,12 @@ std::span<const Channel> Guide::channelsOf(int tvMode) const {
     return {first, last};
 }
 
-// One search over all channels and not one within channelsOf(), and ranks only where modes differ: this runs
-// for each channel on each request.
 const Channel* Guide::find(int tvMode, int major, int minor) const {
-    const auto wantedRank = modeRank(tvMode);
-    const auto found = std::partition_point(channels_.begin(), channels_.end(), [&](const Channel& channel) {
-        if (channel.tvMode != tvMode) return modeRank(channel.tvMode) < wantedRank;
-        return channel.major != major ? channel.major < major : channel.minor < minor;
-    });
-    if (found == channels_.end() || found->tvMode != tvMode) return nullptr;
-    return found->major == major && found->minor == minor ? &*found : nullptr;
+    const std::uint64_t wanted = channelNumber(tvMode, major, minor);
+    const auto found = std::lower_bound(numbers_.begin(), numbers_.end(), wanted);
+    if (found == numbers_.end() || *found != wanted) return nullptr;
+    const Channel& channel = channels_[static_cast<std::size_t>(found - numbers_.begin())];
+    return channel.tvMode == tvMode && channel.major == major && channel.minor == minor ? &channel : nullptr;
 }
 
 }  // namespace epgset

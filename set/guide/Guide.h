@@ -68,6 +68,7 @@ private:
     friend class GuideBuilder;
 
     std::vector<Channel> channels_;
+    std::vector<std::uint64_t> numbers_;  ///< of the channels: what find() goes by, close together in memory
     std::vector<Programme> programmes_;
     std::vector<std::unique_ptr<char[]>> texts_;  ///< what the programmes' texts point into
     std::size_t programmesDropped_ = 0;

@@ -69,6 +69,9 @@ std::shared_ptr<const Guide> GuideBuilder::finish() {
         first += channel.programmeCount;
     }
     programmes_.shrink_to_fit();
+    guide->numbers_.reserve(channels_.size());
+    for (const Channel& channel : channels_)
+        guide->numbers_.push_back(channelNumber(channel.tvMode, channel.major, channel.minor));
 
     guide->channels_ = std::exchange(channels_, {});
     guide->programmes_ = std::exchange(programmes_, {});
