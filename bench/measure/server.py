@@ -69,6 +69,12 @@ class Server:
         text = pathlib.Path(f"/proc/{self._process.pid}/status").read_text(encoding="utf-8")
         return int(re.search(r"VmRSS:\s+(\d+) kB", text).group(1)) * 1024
 
+    def open_files(self):
+        return len(os.listdir(f"/proc/{self._process.pid}/fd"))
+
+    def runs(self):
+        return self._process.poll() is None
+
     def settle(self):
         """Waits until what was asked for is done, though nobody waits for it any more."""
         used = self.processor_seconds()
