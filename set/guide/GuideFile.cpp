@@ -1,6 +1,7 @@
 #include "set/guide/GuideFile.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zlib.h>
@@ -17,6 +18,11 @@ namespace {
 
 constexpr unsigned kBufferBytes = 64 * 1024;
 
+bool isWrittenTo(int pipe, std::chrono::milliseconds patience) {
+    pollfd waiting{pipe, POLLIN, 0};
+    return ::poll(&waiting, 1, static_cast<int>(patience.count())) > 0 && (waiting.revents & POLLIN) != 0;
+}
+
 gzFile handle(void* file) {
     return static_cast<gzFile>(file);
 }
@@ -31,8 +37,10 @@ void GuideFile::Closer::operator()(void* file) const {
     gzclose(handle(file));
 }
 
-GuideFile::GuideFile(const std::filesystem::path& path, std::string name) : name_(std::move(name)) {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+GuideFile::GuideFile(const std::filesystem::path& path, std::string name, std::chrono::milliseconds patience)
+    : name_(std::move(name)) {
+    // Opening a pipe that nobody writes to would never come back.
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) throw GuideError(name_, 0, "cannot be opened: " + systemMessage(errno));
     struct stat status {};
     const bool known = ::fstat(descriptor, &status) == 0;
@@ -44,6 +52,11 @@ GuideFile::GuideFile(const std::filesystem::path& path, std::string name) : name
         ::close(descriptor);
         throw GuideError(name_, 0, "is empty");
     }
+    if (known && S_ISFIFO(status.st_mode) && !isWrittenTo(descriptor, patience)) {
+        ::close(descriptor);
+        throw GuideError(name_, 0, "is a pipe that nobody writes to");
+    }
+    ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
     file_.reset(gzdopen(descriptor, "rb"));
     if (!file_) {
         ::close(descriptor);

@@ -1,6 +1,7 @@
 // The bytes of a guide file, gzip undone.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <memory>
@@ -11,9 +12,13 @@ namespace epgset {
 /// A guide file opened for reading. Whether it is compressed is told by its content, not by its name.
 class GuideFile {
 public:
-    /// `name` is what messages call it. Throws GuideError when the file cannot be opened, is a folder or is
-    /// empty.
-    GuideFile(const std::filesystem::path& path, std::string name);
+    /// How long a pipe may take to give its first byte: as a download may that is written into it.
+    static constexpr std::chrono::milliseconds pipePatience{60'000};
+
+    /// `name` is what messages call it. Throws GuideError when the file cannot be opened, is a folder, is
+    /// empty or is a pipe that gives nothing in time.
+    GuideFile(const std::filesystem::path& path, std::string name,
+              std::chrono::milliseconds patience = pipePatience);
 
     /// Reads up to `size` bytes; fewer only before the end. Answers how many, 0 at the end and -1 when the
     /// rest cannot be read, failure() then says why.

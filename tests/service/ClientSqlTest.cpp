@@ -53,6 +53,23 @@ TEST_F(ClientSql, IsFollowedByNothingForChangesErrorsAndNoRows) {
     EXPECT_EQ(204, run("SELECT abs(-9223372036854775807 - 1)").status) << "fails as it runs";
 }
 
+TEST_F(ClientSql, ThatFindsTheDatabaseFullIsToldSoAndChangesNothing) {
+    const std::string before = get("programs").body;
+    run("CREATE TABLE filler(a)");
+    const HttpAnswer full = run("INSERT INTO filler SELECT zeroblob(4000000) FROM myView");
+    EXPECT_EQ(204, full.status);
+    EXPECT_THAT(full.header("epg-sql-error"), HasSubstr("database or disk is full"));
+    EXPECT_EQ("0", value("SELECT count(*) FROM filler"));
+    EXPECT_EQ(before, get("programs").body);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ("", run("INSERT INTO filler VALUES(zeroblob(4000000))").header("epg-sql-error"));
+    EXPECT_THAT(
+        run("INSERT INTO filler SELECT zeroblob(1000000) FROM myView a, myView b").header("epg-sql-error"),
+        HasSubstr("database or disk is full"));
+    EXPECT_EQ(before, get("programs").body);
+    EXPECT_EQ("", run("DROP TABLE filler").header("epg-sql-error"));
+}
+
 TEST_F(ClientSql, ThatChangesTheTableChangesWhatIsAnswered) {
     EXPECT_EQ(204, run("UPDATE myView SET ProgramName='Storm' WHERE ProgramName='Weather'").status);
     EXPECT_EQ(present_, programmeId("Storm"));

@@ -77,6 +77,27 @@ TEST(GuideFileChange, ThatIsOfNoUseLeavesTheOldGuideAndIsTold) {
     EXPECT_TRUE(statusShows(client, "\"channels\":7,\"programs\":0,\"skipped\":0,\"error\":null}]"));
 }
 
+TEST(GuideFileChange, ThatCannotBeReadAtAllLeavesTheOldGuideUntilAFileIsThere) {
+    const TemporaryFolder folder;
+    const std::string guide = folder.write("guide.xml", guideOf(2)).string();
+    RunningSet set({"--guide", guide, "--log-level", "error"});
+    HttpClient client(set.url());
+    fs::remove(guide);
+    fs::create_directory(guide);
+    set.process().signal(SIGHUP);
+    EXPECT_TRUE(statusShows(client, guide + ": is a folder"));
+    fs::remove(guide);
+    folder.write("guide.xml", "<?xml version=\"1.0\" encoding=\"UTF-8\"?><tv><channel id=\"\xE9\"/></tv>");
+    EXPECT_TRUE(statusShows(client, "\"error\":\"" + guide + ":1:"));
+    EXPECT_TRUE(reachesChannels(client, 2));
+    const std::string whole = guideOf(4);
+    folder.write("guide.xml", whole.substr(0, whole.size() / 2));
+    EXPECT_TRUE(statusShows(client, "\"error\":\"" + guide + ":"));
+    EXPECT_TRUE(reachesChannels(client, 2));
+    folder.write("guide.xml", whole);
+    EXPECT_TRUE(reachesChannels(client, 4));
+}
+
 TEST(GuideFileChange, IsAnEvent) {
     const TemporaryFolder folder;
     const std::string guide = folder.write("guide.xml", guideOf(2)).string();
