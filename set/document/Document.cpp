@@ -8,6 +8,7 @@
 #include <string>
 
 #include "set/document/DocumentFaults.h"
+#include "set/memory/MemoryShortage.h"
 #include "set/text/Utf8.h"
 
 namespace epgset {
@@ -123,6 +124,7 @@ DocumentMember* Document::tryAddMember(DocumentObject& object, const char* key,
     try {
         return addMember(object, key, text);
     } catch (const std::exception&) {  // no memory, or no text that long
+        noteMemoryShortage();
         complete_ = false;
         return nullptr;
     }

@@ -1,30 +1,12 @@
 #include "set/document/JsonPrinter.h"
 
-#include <rapidjson/writer.h>
-
-#include <cstddef>
-#include <cstdlib>
-#include <new>
-
 #include "set/document/DocumentWalk.h"
+#include "set/text/JsonWriter.h"
 
 namespace epgset {
 namespace {
 
-/// RapidJSON's own allocator answers null, which its writer does not survive.
-struct ThrowingAllocator {
-    [[maybe_unused]] static constexpr bool kNeedFree = true;
-
-    static void* Malloc(std::size_t size) { return Realloc(nullptr, 0, size); }
-    static void* Realloc(void* block, std::size_t, std::size_t size) {
-        void* grown = std::realloc(block, size);
-        if (grown == nullptr) throw std::bad_alloc();
-        return grown;
-    }
-    static void Free(void* block) { std::free(block); }
-};
-
-using Writer = rapidjson::Writer<PrintBuffer, rapidjson::UTF8<>, rapidjson::UTF8<>, ThrowingAllocator>;
+using Writer = JsonWriter<PrintBuffer>;
 
 class JsonPrinter {
 public:

@@ -9,6 +9,7 @@
 #include "set/document/JsonPrinter.h"
 #include "set/document/PrintBuffer.h"
 #include "set/document/XmlPrinter.h"
+#include "set/memory/MemoryShortage.h"
 
 using epgset::Document;
 using epgset::DocumentObject;
@@ -45,6 +46,7 @@ epgset::MallocText printed(const Document& document, int format, int& length) {
 void* TARNO_rdoc_create_root() {
     if (!epgset::mayMakeDocumentObject()) return nullptr;
     auto* document = new (std::nothrow) Document;
+    if (document == nullptr) epgset::noteMemoryShortage();
     return document == nullptr ? nullptr : &document->root();
 }
 
@@ -53,6 +55,7 @@ void* TARNO_rdoc_create_object(void* document) {
     try {
         return documentOf(document).createObject();
     } catch (const std::bad_alloc&) {
+        epgset::noteMemoryShortage();
         return nullptr;
     }
 }
@@ -84,6 +87,7 @@ int TARNO_rdoc_print_opt(void* document, int format, char** text, int* length, i
     try {
         *text = printed(documentOf(document), format, *length).release();
     } catch (const std::bad_alloc&) {
+        epgset::noteMemoryShortage();
         return -1;
     }
     return *text == nullptr ? -1 : 0;

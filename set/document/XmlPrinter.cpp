@@ -1,5 +1,6 @@
 #include "set/document/XmlPrinter.h"
 
+#include <libxml/entities.h>
 #include <libxml/tree.h>
 #include <libxml/xmlIO.h>
 #include <libxml/xmlwriter.h>
@@ -23,6 +24,11 @@ struct FreeWriter {
     void operator()(xmlTextWriterPtr writer) const noexcept { xmlFreeTextWriter(writer); }
 };
 using WriterPtr = std::unique_ptr<xmlTextWriter, FreeWriter>;
+
+struct FreeText {
+    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
+};
+using EscapedText = std::unique_ptr<xmlChar, FreeText>;
 
 /// Where libxml2 writes to. No exception may pass through libxml2, and it reports a failed write on
 /// standard error: so a buffer that cannot grow is noted here.
@@ -105,7 +111,12 @@ private:
 
     void endElement() { check(xmlTextWriterEndElement(writer_.get())); }
 
-    void writeText(const char* text) { check(xmlTextWriterWriteString(writer_.get(), xmlText(text))); }
+    /// Escaped here and not by xmlTextWriterWriteString, which leaves a text out for which it has no memory.
+    void writeText(const char* text) {
+        const EscapedText escaped(xmlEncodeSpecialChars(nullptr, xmlText(text)));
+        if (!escaped) throw std::bad_alloc();
+        check(xmlTextWriterWriteRaw(writer_.get(), escaped.get()));
+    }
 
     void writeInteger(std::int32_t value) {
         char digits[16] = {};

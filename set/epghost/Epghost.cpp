@@ -5,11 +5,13 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <iterator>
 #include <utility>
 
 #include "host/Logger.h"
+#include "set/epghost/FillRepair.h"
 #include "set/epghost/GuideNews.h"
 #include "set/epghost/GuideRefresh.h"
 #include "set/epghost/GuideSource.h"
@@ -71,6 +73,20 @@ Recorder::Settings recorderSettings(const Options& options, const StateFolder& s
     return settings;
 }
 
+/// Hears of failures of the plug-in as long as it lives.
+class FailureWatch {
+public:
+    FailureWatch(PluginHost& plugin, std::function<void()> failed) : plugin_(plugin) {
+        plugin_.whenFailed(std::move(failed));
+    }
+    ~FailureWatch() { plugin_.whenFailed({}); }
+    FailureWatch(const FailureWatch&) = delete;
+    FailureWatch& operator=(const FailureWatch&) = delete;
+
+private:
+    PluginHost& plugin_;
+};
+
 /// Lets the plug-in fill its table before the first client comes.
 void warmUp(PluginHost& plugin) {
     plugin.maintain();
@@ -118,6 +134,8 @@ void serveUntilStopped(PluginHost& plugin, const SetFacts& facts, ListenSocket s
         news.maintained();
     };
     MaintenanceTimer timer(maintain, plugin.maintenancePeriod());
+    FillRepair repair([&timer](std::chrono::seconds delay) { timer.callIn(delay); }, secondMaintenance);
+    const FailureWatch watch(plugin, [&repair] { repair.failed(); });
     const auto putInUse = [&](std::shared_ptr<const Guide> guide) {
         useGuide(std::move(guide));
         reminders.guideChanged();

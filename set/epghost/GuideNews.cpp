@@ -1,5 +1,6 @@
 #include "set/epghost/GuideNews.h"
 
+#include <new>
 #include <utility>
 
 namespace epgset {
@@ -23,7 +24,11 @@ void GuideNews::maintained(Clock::time_point now) {
         const bool first = std::exchange(first_, false);
         if (!first && !second) return;
     }
-    ring_.publish(event::guideReloaded, programmesPath);
+    try {
+        ring_.publish(event::guideReloaded, programmesPath);
+    } catch (const std::bad_alloc&) {
+        ring_.lose();
+    }
 }
 
 }  // namespace epgset

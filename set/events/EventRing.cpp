@@ -33,10 +33,25 @@ EventRing::EventRing(std::size_t capacity, std::uint64_t firstId) : capacity_(ca
 void EventRing::publish(std::string_view name, std::string path) {
     {
         const std::lock_guard lock(mutex_);
+        std::uint64_t& count = counts_[std::string(name)];
         if (events_.size() == capacity_) events_.pop_front();
-        events_.push_back({++last_, std::string(name), std::move(path)});
-        ++counts_[std::string(name)];
+        events_.push_back({last_ + 1, std::string(name), std::move(path)});
+        ++last_;
+        ++count;
     }
+    wakeListeners();
+}
+
+void EventRing::lose() noexcept {
+    {
+        const std::lock_guard lock(mutex_);
+        events_.clear();
+        ++last_;
+    }
+    wakeListeners();
+}
+
+void EventRing::wakeListeners() {
     const std::lock_guard lock(listenerMutex_);
     for (const auto& [number, wake] : listeners_)
         wake();

@@ -47,7 +47,12 @@ public:
     explicit EventRing(std::size_t capacity, std::uint64_t firstId = 0);
 
     /// Enters an event and wakes the listeners.
+    /// Without memory it throws and nothing is entered.
     void publish(std::string_view name, std::string path);
+
+    /// Counts an event that could not be entered. Who asks for what came after an earlier one learns that
+    /// some is gone.
+    void lose() noexcept;
 
     /// The events after the one with that number; nothing when some of them are gone or when the number is
     /// none that was given.
@@ -67,6 +72,8 @@ public:
     void removeListener(int listener);
 
 private:
+    void wakeListeners();
+
     const std::size_t capacity_;
     mutable std::mutex mutex_;
     std::deque<Event> events_;                                      ///< guarded by mutex_

@@ -3,8 +3,6 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <rapidjson/document.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
 #define XXH_INLINE_ALL
 #include <xxhash.h>
 
@@ -17,6 +15,7 @@
 #include "host/Logger.h"
 #include "set/files/FileReplacement.h"
 #include "set/guide/GuideError.h"
+#include "set/text/JsonWriter.h"
 
 namespace epgset {
 namespace {
@@ -44,8 +43,8 @@ std::string memberOf(const rapidjson::Document& document, const char* name) {
 }
 
 std::string versionText(const std::string& url, const GuideVersion& version) {
-    rapidjson::StringBuffer text;
-    rapidjson::Writer<rapidjson::StringBuffer> json(text);
+    JsonBuffer text;
+    JsonWriter<> json(text);
     json.StartObject();
     const auto member = [&json](const char* name, const std::string& value) {
         json.Key(name);

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "set/memory/MemoryShortage.h"
 #include "set/middleware/ChannelTexts.h"
 #include "set/middleware/ReceptionModes.h"
 #include "set/middleware/ServiceTypes.h"
@@ -55,6 +56,7 @@ ws_epg_channel_source* t_create_channel_source(TCChannel* channel) {
     try {
         fill(*source, *channel);
     } catch (const std::bad_alloc&) {
+        epgset::noteMemoryShortage();
         t_delete_channel_source(source);
         return nullptr;
     }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "set/guide/Guide.h"
+#include "set/memory/MemoryShortage.h"
 #include "set/middleware/ReceptionModes.h"
 #include "set/middleware/Television.h"
 #include "set/text/Utf16.h"
@@ -34,7 +35,9 @@ TCChannel::TCChannel(std::shared_ptr<const epgset::Channel> channel) : m_channel
 TCChannel::~TCChannel() = default;
 
 void* TCChannel::operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
-    return mayAllocate() ? ::operator new(bytes, std::nothrow) : nullptr;
+    void* const block = mayAllocate() ? ::operator new(bytes, std::nothrow) : nullptr;
+    if (block == nullptr) epgset::noteMemoryShortage();
+    return block;
 }
 
 void* TCChannel::operator new(std::size_t bytes) {

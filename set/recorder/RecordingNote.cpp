@@ -1,18 +1,17 @@
 #include "set/recorder/RecordingNote.h"
 
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
 
 #include <string_view>
 
 #include "set/middleware/ChannelTexts.h"
 #include "set/recorder/LocalTimeText.h"
+#include "set/text/JsonWriter.h"
 #include "set/text/Utf8.h"
 
 namespace epgset {
 namespace {
 
-using Json = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
+using Json = PrettyJsonWriter;
 
 void member(Json& json, const char* key, std::string_view text) {
     const std::string clean = repairedUtf8(text);
@@ -36,7 +35,7 @@ void timeMember(Json& json, const char* key, std::optional<std::int64_t> time) {
 }  // namespace
 
 std::string noteText(const RecordingNote& note) {
-    rapidjson::StringBuffer text;
+    JsonBuffer text;
     Json json(text);
     json.SetIndent(' ', 2);
     json.StartObject();

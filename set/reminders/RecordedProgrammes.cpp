@@ -34,6 +34,7 @@ RecordedProgrammes::Programme RecordedProgrammes::programmeOf(const ReminderEntr
 void RecordedProgrammes::add(const ReminderEntry& entry, std::int64_t now) {
     Programme added = programmeOf(entry);
     if (added.title.empty()) return;
+    programmes_.reserve(programmes_.size() + 1);  // so that it is remembered if it is written
     OwnTransaction transaction(database_);
     forget_.bind(now - memory).step();
     insert_.bind(added.channelType).bind(added.major).bind(added.minor);

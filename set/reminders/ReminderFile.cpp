@@ -44,6 +44,9 @@ constexpr const char* loadText =
 /// The values of all columns but the uid, in the order of the statements above.
 void bindValues(OwnStatement& statement, const ReminderEntry& entry) {
     const CRemindInfo& info = entry.info;
+    // Before the first value is bound: without memory for them the statement is as it was.
+    const std::string title = titleOf(info);
+    const std::string synopsis = synopsisOf(info);
     statement.bind(info.ChannelType()).bind(info.Major()).bind(info.Minor()).bind(info.PTC());
     statement.bind(info.ProgramNumber()).bind(info.EventId()).bind(info.ReserveType());
     statement.bind(info.RepeatType()).bind(info.ManualRepeat()).bind(info.CreationMethod());
@@ -54,7 +57,7 @@ void bindValues(OwnStatement& statement, const ReminderEntry& entry) {
         statement.bindNull();
     }
     statement.bind(info.Duration());
-    statement.bind(titleOf(info)).bind(synopsisOf(info));
+    statement.bind(title).bind(synopsis);
     statement.bind(entry.seriesTitle).bind(static_cast<std::int64_t>(entry.series));
 }
 
@@ -128,17 +131,20 @@ std::vector<ReminderEntry> ReminderFile::load() {
 }
 
 unsigned long ReminderFile::insert(const ReminderEntry& entry) {
+    database_.requireInPlace();
     bindValues(insert_, entry);
     insert_.step();
     return static_cast<unsigned long>(sqlite3_last_insert_rowid(database_.handle()));
 }
 
 void ReminderFile::update(const ReminderEntry& entry) {
+    database_.requireInPlace();
     bindValues(update_, entry);
     update_.bind(static_cast<std::int64_t>(entry.info.UID())).step();
 }
 
 void ReminderFile::remove(unsigned long uid) {
+    database_.requireInPlace();
     remove_.bind(static_cast<std::int64_t>(uid)).step();
 }
 

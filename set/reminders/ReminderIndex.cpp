@@ -21,14 +21,29 @@ std::optional<ReminderIndex::ProgrammeKey> ReminderIndex::keyOf(const CRemindInf
     return keyOf(info.ChannelType(), info.Major(), info.Minor(), info.EventId());
 }
 
-void ReminderIndex::put(ReminderEntry entry) {
+ReminderIndex::Prepared::Prepared(ReminderEntry entry) {
     const unsigned long uid = entry.info.UID();
-    remove(uid);
-    if (const auto key = keyOf(entry.info)) byProgramme_.emplace(*key, uid);
-    entries_.emplace(uid, std::move(entry));
+    if (const auto key = keyOf(entry.info)) {
+        Programmes programmes;
+        programme_ = programmes.extract(programmes.emplace(*key, uid));
+    }
+    Entries entries;
+    entry_ = entries.extract(entries.emplace(uid, std::move(entry)).first);
 }
 
-void ReminderIndex::remove(unsigned long uid) {
+void ReminderIndex::Prepared::setUid(unsigned long uid) {
+    entry_.key() = uid;
+    entry_.mapped().info.SetUid(uid);
+    if (programme_) programme_.mapped() = uid;
+}
+
+void ReminderIndex::put(Prepared prepared) noexcept {
+    remove(prepared.entry_.key());
+    if (prepared.programme_) byProgramme_.insert(std::move(prepared.programme_));
+    entries_.insert(std::move(prepared.entry_));
+}
+
+void ReminderIndex::remove(unsigned long uid) noexcept {
     const auto found = entries_.find(uid);
     if (found == entries_.end()) return;
     if (const auto key = keyOf(found->second.info)) {

@@ -5,7 +5,7 @@
 #include <functional>
 #include <map>
 #include <optional>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "host/TCProgram.h"
@@ -15,9 +15,31 @@ namespace epgset {
 
 /// Entries by UID and by the programme that they were made for. No lock: writers keep others out.
 class ReminderIndex {
+    /// A channel's type and number and an event id. What is not in 16 bits each is no programme of the guide.
+    using ProgrammeKey = std::uint64_t;
+    using Entries = std::map<unsigned long, ReminderEntry>;
+    using Programmes = std::multimap<ProgrammeKey, unsigned long>;
+
 public:
-    void put(ReminderEntry entry);
-    void remove(unsigned long uid);
+    /// An entry for which all memory is there that putting it takes.
+    class Prepared {
+    public:
+        explicit Prepared(ReminderEntry entry);
+
+        /// Gives the entry a UID, which it has to have when it is put.
+        void setUid(unsigned long uid);
+
+    private:
+        friend class ReminderIndex;
+        Entries::node_type entry_;
+        Programmes::node_type programme_;  ///< empty for an entry that is of no programme
+    };
+
+    void put(ReminderEntry entry) { put(Prepared(std::move(entry))); }
+
+    /// Does not fail.
+    void put(Prepared prepared) noexcept;
+    void remove(unsigned long uid) noexcept;
 
     /// The entry with that UID, or null; owned by the index, until it changes.
     const ReminderEntry* find(unsigned long uid) const;
@@ -30,13 +52,11 @@ public:
     std::vector<const ReminderEntry*> select(const std::function<bool(const ReminderEntry&)>& wanted) const;
 
 private:
-    /// A channel's type and number and an event id. What is not in 16 bits each is no programme of the guide.
-    using ProgrammeKey = std::uint64_t;
     static std::optional<ProgrammeKey> keyOf(int channelType, int major, int minor, int eventId);
     static std::optional<ProgrammeKey> keyOf(const CRemindInfo& info);
 
-    std::map<unsigned long, ReminderEntry> entries_;
-    std::unordered_multimap<ProgrammeKey, unsigned long> byProgramme_;
+    Entries entries_;
+    Programmes byProgramme_;
 };
 
 }  // namespace epgset

@@ -1,6 +1,7 @@
 #include "set/reminders/ReminderStore.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include <fmt/chrono.h>
@@ -24,8 +25,13 @@ const Container::Logger& log() {
     return logger;
 }
 
-void publish(std::string_view name, unsigned long uid) {
-    events().publish(name, schedulePath(uid));
+/// Tells of a change that has been made, which must not fail any more.
+void publish(std::string_view name, unsigned long uid) noexcept {
+    try {
+        events().publish(name, schedulePath(uid));
+    } catch (const std::bad_alloc&) {
+        events().lose();
+    }
 }
 
 /// Held while the entries in memory change.
@@ -99,14 +105,19 @@ bool ReminderStore::GetRemindItemByType(int& count, std::vector<CRemindInfo>& it
 bool ReminderStore::AddRemindItem(CRemindInfo& info, int /*reserved*/) {
     ReminderEntry entry = storable(info, nullptr);
     if (!accepted(entry)) return false;
-    const std::lock_guard writing(writeMutex_);
-    if (!written([&] { entry.info.SetUid(file_.insert(entry)); })) return false;
+    ReminderIndex::Prepared prepared(entry);
     info = infoOf(entry);
+    const std::lock_guard writing(writeMutex_);
+    unsigned long uid = 0;
+    if (!written([&] { uid = file_.insert(entry); })) return false;
+    // On disk now: what follows takes no memory, so that it cannot be there and not here.
+    info.SetUid(uid);
+    prepared.setUid(uid);
     {
         const ChangeLock lock(memoryMutex_);
-        index_.put(std::move(entry));
+        index_.put(std::move(prepared));
     }
-    publish(event::scheduleAdded, info.UID());
+    publish(event::scheduleAdded, uid);
     return true;
 }
 
@@ -117,10 +128,12 @@ bool ReminderStore::UpdateRemindItemByUid(unsigned long uid, const CRemindInfo& 
     if (!old) return false;
     ReminderEntry entry = storable(info, old);
     entry.info.SetUid(uid);
-    if (!accepted(entry) || !written([&] { file_.update(entry); })) return false;
+    if (!accepted(entry)) return false;
+    ReminderIndex::Prepared prepared(entry);
+    if (!written([&] { file_.update(entry); })) return false;
     {
         const ChangeLock lock(memoryMutex_);
-        index_.put(std::move(entry));
+        index_.put(std::move(prepared));
     }
     publish(event::scheduleChanged, uid);
     return true;
@@ -222,6 +235,9 @@ void ReminderStore::followGuide(std::int64_t now) {
 }
 
 void ReminderStore::carryOut(const ReminderPlan& plan) {
+    std::vector<ReminderIndex::Prepared> prepared;
+    for (const ReminderEntry& entry : plan.replaced)
+        prepared.emplace_back(entry);
     file_.change(plan.removed, plan.replaced);
     {
         const ChangeLock lock(memoryMutex_);
@@ -229,8 +245,8 @@ void ReminderStore::carryOut(const ReminderPlan& plan) {
             index_.remove(uid);
             recording_.erase(uid);
         }
-        for (const ReminderEntry& entry : plan.replaced)
-            index_.put(entry);
+        for (ReminderIndex::Prepared& entry : prepared)
+            index_.put(std::move(entry));
     }
     for (const unsigned long uid : plan.removed)
         publish(event::scheduleRemoved, uid);

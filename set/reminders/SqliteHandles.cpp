@@ -1,5 +1,7 @@
 #include "set/reminders/SqliteHandles.h"
 
+#include <new>
+
 namespace epgset {
 
 OwnDatabase::OwnDatabase(const std::filesystem::path& file) : name_(file.string()) {
@@ -15,6 +17,12 @@ OwnDatabase::OwnDatabase(const std::filesystem::path& file) : name_(file.string(
 
 void OwnDatabase::run(const char* sql) {
     if (sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr) != SQLITE_OK) fail();
+}
+
+void OwnDatabase::requireInPlace() const {
+    int moved = 0;
+    sqlite3_file_control(handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+    if (moved != 0) fail("the file is gone, or another one stands in its place");
 }
 
 void OwnDatabase::fail() const {
@@ -59,9 +67,12 @@ OwnStatement& OwnStatement::checked(int code) {
 bool OwnStatement::step() {
     const int code = sqlite3_step(handle_.get());
     if (code == SQLITE_ROW) return true;
-    const std::string message = code == SQLITE_DONE ? std::string() : sqlite3_errmsg(database_.handle());
-    rewind();
-    if (code != SQLITE_DONE) database_.fail(message);
+    // Also when the message takes more memory than there is.
+    struct Rewinding {
+        OwnStatement& statement;
+        ~Rewinding() { statement.rewind(); }
+    } const afterwards{*this};
+    if (code != SQLITE_DONE) database_.fail();
     return false;
 }
 
@@ -76,6 +87,7 @@ bool OwnStatement::isNull(int column) const {
 std::string OwnStatement::text(int column) const {
     const auto* const start = reinterpret_cast<const char*>(sqlite3_column_text(handle_.get(), column));
     const auto bytes = static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column));
+    if (!start && !isNull(column)) throw std::bad_alloc();
     return start ? std::string(start, bytes) : std::string();
 }
 
@@ -85,6 +97,7 @@ void OwnStatement::rewind() {
 }
 
 OwnTransaction::OwnTransaction(OwnDatabase& database) : database_(database) {
+    database_.requireInPlace();
     database_.run("BEGIN IMMEDIATE");
 }
 

@@ -29,6 +29,10 @@ public:
 
     sqlite3* handle() const { return handle_.get(); }
 
+    /// Throws DatabaseError when the file is not in its place any more: what is written then is in no file
+    /// that the next start opens.
+    void requireInPlace() const;
+
     /// Throws what SQLite says of the last failure.
     [[noreturn]] void fail() const;
 

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <utility>
 
+#include "set/memory/MemoryShortage.h"
 #include "set/uri/UriText.h"
 
 namespace epgset {
@@ -57,7 +58,10 @@ RecordPtr<Record> makeRecord(std::size_t count, std::size_t pointers, std::size_
     const std::uint64_t size = sizeof(Record) + std::uint64_t{pointers} * sizeof(char*) + bytes;
     if (count > std::numeric_limits<std::int32_t>::max() || size > PTRDIFF_MAX) return nullptr;
     void* block = std::malloc(static_cast<std::size_t>(size));
-    if (block == nullptr) return nullptr;
+    if (block == nullptr) {
+        noteMemoryShortage();  // null also stands for a text without a record
+        return nullptr;
+    }
     return RecordPtr<Record>(new (block) Record{});
 }
 

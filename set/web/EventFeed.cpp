@@ -1,14 +1,12 @@
 #include "set/web/EventFeed.h"
 
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include <algorithm>
 #include <charconv>
 #include <mutex>
 #include <utility>
 #include <vector>
 
+#include "set/text/JsonWriter.h"
 #include "set/web/MaintenanceTimer.h"
 
 namespace epgset {
@@ -23,8 +21,8 @@ constexpr std::string_view heartbeatComment = ": nothing new\n\n";
 constexpr std::string_view everything = "/ws/epg2";
 
 std::string dataOf(std::string_view path) {
-    rapidjson::StringBuffer text;
-    rapidjson::Writer<rapidjson::StringBuffer> json(text);
+    JsonBuffer text;
+    JsonWriter<> json(text);
     json.StartObject();
     json.Key("path");
     json.String(path.data(), static_cast<rapidjson::SizeType>(path.size()));

@@ -47,6 +47,9 @@ public:
     /// The answer, once there is one.
     std::optional<WebResponse> response;
 
+    /// Whether there can be none, for want of memory, so that the connection is closed.
+    bool lost = false;
+
 private:
     WebRequest request_;
     std::optional<std::uint64_t> stated_;

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <exception>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -26,15 +27,13 @@ constexpr unsigned connectionThreads = 2;
 /// How long the answers of the last requests may take to be sent when the server stops.
 constexpr std::chrono::seconds farewell{1};
 
-const Container::Logger& serverLogger() {
-    static const Container::Logger logger = Container::Logger::logger("set/web");
-    return logger;
-}
+// Made when the library is loaded: there may be no memory for it when it is needed.
+const Container::Logger serverLogger = Container::Logger::logger("set/web");
 
 __attribute__((format(printf, 2, 0))) void logLibraryMessage(void*, const char* format, va_list arguments) {
     char text[512];
     std::vsnprintf(text, sizeof text, format, arguments);
-    serverLogger().warning("%s", text);
+    serverLogger.warning("%s", text);
 }
 
 /// Leaves escapes as they are: whoever reads the path decodes it, once.
@@ -42,13 +41,29 @@ std::size_t keepEscapes(void*, MHD_Connection*, char* text) {
     return std::strlen(text);
 }
 
-MHD_Result collectHeader(void* headers, MHD_ValueKind, const char* name, const char* value) {
+/// The header lines of a request as they are read.
+struct CollectedHeaders {
+    WebHeaders lines;
+    bool complete = true;
+};
+
+MHD_Result collectHeader(void* collected, MHD_ValueKind, const char* name, const char* value) {
+    auto& headers = *static_cast<CollectedHeaders*>(collected);
     try {
-        static_cast<WebHeaders*>(headers)->emplace_back(name, value == nullptr ? "" : value);
+        headers.lines.emplace_back(name, value == nullptr ? "" : value);
         return MHD_YES;
     } catch (...) {
+        headers.complete = false;
         return MHD_NO;
     }
+}
+
+/// Throws std::bad_alloc.
+WebHeaders headersOf(MHD_Connection* connection) {
+    CollectedHeaders headers;
+    MHD_get_connection_values(connection, MHD_HEADER_KIND, &collectHeader, &headers);
+    if (!headers.complete) throw std::bad_alloc();
+    return std::move(headers.lines);
 }
 
 /// Whether an answer has a body or, as 304, tells at least how long that of the 200 would be. The library
@@ -76,11 +91,19 @@ LibraryResponse makeWholeResponse(WebResponse& response) {
     return made;
 }
 
+/// Whether a header can be sent at all: one in one line.
+bool isHeader(const std::string& name, const std::string& value) {
+    constexpr std::string_view refused = "\t\r\n";
+    return !name.empty() && !value.empty() && name.find_first_of(refused) == std::string::npos &&
+           value.find_first_of(refused) == std::string::npos;
+}
+
+/// Throws std::bad_alloc.
 void addHeaders(MHD_Response* made, const WebHeaders& headers) {
     for (const auto& [name, value] : headers) {
-        if (MHD_add_response_header(made, name.c_str(), value.c_str()) != MHD_YES) {
-            serverLogger().warning("a response header cannot be sent: %s: %s", name, value);
-        }
+        if (MHD_add_response_header(made, name.c_str(), value.c_str()) == MHD_YES) continue;
+        if (isHeader(name, value)) throw std::bad_alloc();
+        serverLogger.warning("a response header cannot be sent: %s: %s", name, value);
     }
 }
 
@@ -107,7 +130,7 @@ private:
     MHD_Result receiveBody(Exchange& exchange, std::string_view bytes) const;
     bool leavesBodyUnread(const Exchange& exchange) const;
     MHD_Result answer(MHD_Connection* connection, Exchange& exchange);
-    void answerInTurn(MHD_Connection* connection, Exchange& exchange);
+    void answerInTurn(MHD_Connection* connection, Exchange& exchange) noexcept;
     MHD_Result reply(MHD_Connection* connection, Exchange& exchange, WebResponse response);
     MHD_Result send(MHD_Connection* connection, Exchange& exchange);
     LibraryResponse makeStreamedResponse(MHD_Connection* connection,
@@ -184,9 +207,9 @@ MHD_Result HttpServer::Connections::continueExchange(void* self, MHD_Connection*
         return static_cast<Connections*>(self)->receive(connection, *static_cast<Exchange*>(*exchange),
                                                         method, piece);
     } catch (const std::exception& error) {
-        serverLogger().error("a request cannot be answered: %s", error.what());
+        serverLogger.error("a request cannot be answered: %s", error.what());
     } catch (...) {
-        serverLogger().error("a request cannot be answered");
+        serverLogger.error("a request cannot be answered");
     }
     return MHD_NO;
 }
@@ -200,11 +223,10 @@ void HttpServer::Connections::endExchange(void* self, MHD_Connection*, void** ex
 
 MHD_Result HttpServer::Connections::receive(MHD_Connection* connection, Exchange& exchange,
                                             const char* method, std::string_view bytes) {
+    if (exchange.lost) return MHD_NO;
     if (exchange.response) return send(connection, exchange);
     if (!exchange.begun()) {
-        WebHeaders headers;
-        MHD_get_connection_values(connection, MHD_HEADER_KIND, &collectHeader, &headers);
-        exchange.begin(method, std::move(headers));
+        exchange.begin(method, headersOf(connection));
         if (exchange.codingIsUnknown()) {
             return reply(connection, exchange, textResponse(501, "a body may only be coded in chunks"));
         }
@@ -232,24 +254,34 @@ MHD_Result HttpServer::Connections::answer(MHD_Connection* connection, Exchange&
             return reply(connection, exchange, std::move(*response));
         }
     } catch (const std::exception& error) {
-        serverLogger().error("%s %s: %s", request.method, request.path, error.what());
+        serverLogger.error("%s %s: %s", request.method, request.path, error.what());
         return reply(connection, exchange, textResponse(500, "internal error"));
     }
     MHD_suspend_connection(connection);
-    const bool taken = queue_.post([this, connection, &exchange] { answerInTurn(connection, exchange); });
-    if (!taken) answerInTurn(connection, exchange);
+    try {
+        const bool taken = queue_.post([this, connection, &exchange] { answerInTurn(connection, exchange); });
+        if (!taken) answerInTurn(connection, exchange);
+    } catch (...) {
+        // The library does not close a connection that rests.
+        exchange.lost = true;
+        MHD_resume_connection(connection);
+    }
     return MHD_YES;
 }
 
-void HttpServer::Connections::answerInTurn(MHD_Connection* connection, Exchange& exchange) {
-    ++unsent_;
+void HttpServer::Connections::answerInTurn(MHD_Connection* connection, Exchange& exchange) noexcept {
     const WebRequest& request = exchange.request();
     try {
-        exchange.response =
-            stopping_ ? textResponse(503, "the set is stopping") : handler_.answerInTurn(request);
-    } catch (const std::exception& error) {
-        serverLogger().error("%s %s: %s", request.method, request.path, error.what());
-        exchange.response = textResponse(500, "internal error");
+        try {
+            exchange.response =
+                stopping_ ? textResponse(503, "the set is stopping") : handler_.answerInTurn(request);
+        } catch (const std::exception& error) {
+            serverLogger.error("%s %s: %s", request.method, request.path, error.what());
+            exchange.response = textResponse(500, "internal error");
+        }
+        ++unsent_;
+    } catch (...) {
+        exchange.lost = true;  // without memory to say so
     }
     MHD_resume_connection(connection);
 }

@@ -95,8 +95,12 @@ WebResponse PluginResponse::finish() {
                                                      response_.status);
         response_.status = 500;
     }
+    // A stream keeps to itself that it had no memory for what was written.
+    const bool whole = !body_.bad();
     response_.body = std::move(body_).str();
+    if (!whole) response_ = textResponse(500, "out of memory");
     touched_ = false;
+    body_.clear();
     body_.str({});
     return std::exchange(response_, WebResponse());
 }

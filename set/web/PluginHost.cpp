@@ -5,15 +5,14 @@
 #include "host/Logger.h"
 #include "set/database/DatabaseRequest.h"
 #include "set/log/LogEscape.h"
+#include "set/memory/MemoryShortage.h"
 #include "set/web/PluginExchange.h"
 
 namespace epgset {
 namespace {
 
-const Container::Logger& hostLogger() {
-    static const Container::Logger logger = Container::Logger::logger("set/web");
-    return logger;
-}
+// Made when the library is loaded: there may be no memory for it when it is needed.
+const Container::Logger hostLogger = Container::Logger::logger("set/web");
 
 /// Runs a call into the plug-in as one database request; false when an exception came out of it, which
 /// is logged under the name of the call.
@@ -24,9 +23,9 @@ bool callPlugin(const std::string& name, DatabaseRequest::Bound bound, Call&& ca
         call();
         return true;
     } catch (const std::exception& error) {
-        hostLogger().error("%s: the plug-in threw an exception: %s", name, error.what());
+        hostLogger.error("%s: the plug-in threw an exception: %s", name, error.what());
     } catch (...) {
-        hostLogger().error("%s: the plug-in threw an exception of an unknown type", name);
+        hostLogger.error("%s: the plug-in threw an exception of an unknown type", name);
     }
     return false;
 }
@@ -44,12 +43,18 @@ void addDatabaseError(WebResponse& response) {
 WebResponse PluginHost::answer(const WebRequest& request, const std::string& path) {
     PluginRequest pluginRequest(request, path);
     PluginResponse pluginResponse;
+    const std::string name = request.method + " " + request.path;
     const std::lock_guard turn(turn_);
-    const bool returned =
-        callPlugin(request.method + " " + request.path, DatabaseRequest::Bound::AllStatements,
-                   [&] { descriptor_.handleRequest(pluginRequest, pluginResponse); });
+    takeMemoryShortage();
+    const bool returned = callPlugin(name, DatabaseRequest::Bound::AllStatements,
+                                     [&] { descriptor_.handleRequest(pluginRequest, pluginResponse); });
+    const bool whole = !takeMemoryShortage() && returned;
+    if (!returned) tellFailure();
     if (!returned && pluginResponse.untouched()) pluginResponse.setStatus(500);
     WebResponse response = pluginResponse.finish();
+    // What was only read can be asked for again; of a change it is told what the plug-in says of it.
+    const bool reads = request.method == "GET" || request.method == "HEAD";
+    if (reads && !whole && response.status < 300) response = textResponse(500, "the answer was cut short");
     addDatabaseError(response);
     return response;
 }
@@ -57,8 +62,23 @@ WebResponse PluginHost::answer(const WebRequest& request, const std::string& pat
 bool PluginHost::maintain() {
     if (descriptor_.onTimer == nullptr) return true;
     const std::lock_guard turn(turn_);
-    return callPlugin("maintenance", DatabaseRequest::Bound::EachStatement,
-                      [this] { descriptor_.onTimer(); });
+    const bool returned =
+        callPlugin("maintenance", DatabaseRequest::Bound::EachStatement, [this] { descriptor_.onTimer(); });
+    if (!returned) tellFailure();
+    return returned;
+}
+
+void PluginHost::whenFailed(std::function<void()> failed) {
+    const std::lock_guard turn(turn_);
+    failed_ = std::move(failed);
+}
+
+void PluginHost::tellFailure() {
+    try {
+        if (failed_) failed_();
+    } catch (const std::exception& error) {
+        hostLogger.error("a failure of the plug-in has no consequence: %s", error.what());
+    }
 }
 
 std::chrono::seconds PluginHost::maintenancePeriod() {

@@ -1,8 +1,6 @@
 #include "set/web/StatusDocument.h"
 
 #include <fmt/chrono.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
 
 #include <cstdint>
 #include <ctime>
@@ -16,19 +14,20 @@
 #include "set/middleware/Television.h"
 #include "set/recorder/Recordings.h"
 #include "set/text/IsoTime.h"
+#include "set/text/JsonWriter.h"
 #include "set/text/Utf8.h"
 
 namespace epgset {
 namespace {
 
-using Json = rapidjson::Writer<rapidjson::StringBuffer>;
+using Json = JsonWriter<>;
 
 void member(Json& json, const char* key, std::string_view text) {
     json.Key(key);
     json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
-void member(Json& json, const char* key, std::uint64_t number) {
+void member(Json& json, const char* key, std::size_t number) {
     json.Key(key);
     json.Uint64(number);
 }
@@ -56,7 +55,7 @@ void writeChannel(Json& json, const Channel* channel) {
 }
 
 /// Size of what has been recorded so far; 0 while there is no file.
-std::uint64_t bytesOf(const std::filesystem::path& file) {
+std::size_t bytesOf(const std::filesystem::path& file) {
     std::error_code error;
     const std::uintmax_t bytes = std::filesystem::file_size(file, error);
     return error ? 0 : bytes;
@@ -140,7 +139,7 @@ void writeState(Json& json, const SetState& state) {
 
 std::string statusDocument(const SetFacts& facts) {
     const auto guide = currentGuide();
-    rapidjson::StringBuffer text;
+    JsonBuffer text;
     Json json(text);
     json.StartObject();
     member(json, "clock", timeText(clock().now()));

@@ -145,6 +145,41 @@ INSTANTIATE_TEST_SUITE_P(AllKinds, DiskWithError, ::testing::Values(ENOSPC, EROF
                                                            : "Broken";
                          });
 
+/// The state folder, taken away while the set runs, and put back.
+class VanishedFolder : public FailingDisk {
+protected:
+    void fail() override { fs::rename(state(), away()); }
+    void recover() override {
+        fs::remove_all(state());
+        fs::rename(away(), state());
+    }
+
+private:
+    fs::path away() const { return folder_.path() / "away"; }
+};
+
+TEST_F(VanishedFolder, RefusesChangesUntilItIsBackAndKeepsEarlierBookings) {
+    startWithBookings();
+    fail();
+    expectChangesRefused();
+    EXPECT_TRUE(process_->waitForError("the file is gone")) << process_->errors();
+    recover();
+    EXPECT_EQ(201, send("POST", programme("21"), R"({"status":"VIEW"})"));
+    const std::string after = list();
+    restart();
+    EXPECT_EQ(after, list());
+    EXPECT_THAT(after, HasSubstr("\"items_total\":3"));
+}
+
+TEST_F(VanishedFolder, TakesNoChangesIntoAFileThatStandsInItsPlace) {
+    startWithBookings();
+    fail();
+    fs::create_directories(state() / "reminders.db");
+    expectChangesRefused();
+    recover();
+    EXPECT_EQ(201, send("POST", programme("21"), R"({"status":"VIEW"})"));
+}
+
 /// A small disk in memory, which is full when a file takes the rest of it.
 class FullDisk : public FailingDisk {
 protected:

@@ -74,6 +74,34 @@ TEST_F(PluginHostTest, AnswersAnEmpty500WhenAnExceptionComesBeforeTheAnswer) {
     EXPECT_EQ(200, answer("status/200").status);
 }
 
+TEST_F(PluginHostTest, SendsNoAnswerThatWasCutShort) {
+    for (const char* path : {"break-off", "short-of-memory"}) {
+        const WebResponse response = answer(path);
+        EXPECT_EQ(500, response.status) << path;
+        EXPECT_EQ("the answer was cut short\n", response.body) << path;
+    }
+    EXPECT_EQ(200, answer("status/200").status);
+}
+
+TEST_F(PluginHostTest, SaysOfAChangeWhatThePluginSaidThoughItWasShortOfMemory) {
+    WebRequest request = get("short-of-memory");
+    request.method = "POST";
+    EXPECT_EQ(201, host_.answer(request, "short-of-memory").status);
+}
+
+TEST_F(PluginHostTest, TellsOfEachException) {
+    int failures = 0;
+    host_.whenFailed([&failures] { ++failures; });
+    answer("status/500");
+    EXPECT_EQ(0, failures);
+    answer("throw");
+    answer("answer-and-throw");
+    EXPECT_EQ(2, failures);
+    host_.whenFailed({});
+    answer("throw");
+    EXPECT_EQ(2, failures);
+}
+
 TEST_F(PluginHostTest, AnswersAnEmpty404ForWhatThePluginLeavesUntouched) {
     const WebResponse response = answer("unknown");
     EXPECT_EQ(404, response.status);

@@ -9,6 +9,7 @@
 #include "host/DomainException.h"
 #include "host/Plugin.h"
 #include "host/Statement.h"
+#include "set/memory/MemoryShortage.h"
 
 namespace {
 
@@ -84,6 +85,12 @@ int handleRequest(Container::HttpRequest& request, Container::HttpResponse& resp
         response.commitHeaders();
         response.getOutputStream() << "answered";
         Container::raiseError("thrown after the answer");
+    } else if (path == "break-off") {
+        writeStatus(response, 200);
+        throw std::runtime_error("thrown in the answer");
+    } else if (path == "short-of-memory") {
+        epgset::noteMemoryShortage();
+        writeStatus(response, 201);
     } else if (path == "slow") {
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
         writeStatus(response, 200);

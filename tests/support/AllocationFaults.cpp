@@ -1,0 +1,162 @@
+#include "tests/support/AllocationFaults.h"
+
+#include <malloc.h>
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <new>
+
+// Under a sanitizer its allocator goes on to be the one that is used, so that it sees every mistake.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define EPG_ALLOCATOR(name) __interceptor_##name
+#else
+#define EPG_ALLOCATOR(name) __libc_##name
+#endif
+
+extern "C" {
+void* EPG_ALLOCATOR(malloc)(std::size_t bytes);
+void* EPG_ALLOCATOR(calloc)(std::size_t count, std::size_t bytes);
+void* EPG_ALLOCATOR(realloc)(void* block, std::size_t bytes);
+void* EPG_ALLOCATOR(memalign)(std::size_t alignment, std::size_t bytes);
+void EPG_ALLOCATOR(free)(void* block);
+}
+
+namespace {
+
+std::atomic<bool> active{false};
+std::atomic<bool> allAfter{false};
+std::atomic<bool> ofOthers{false};
+std::atomic<int> passing{0};  ///< allocations before the one that fails; negative: it has failed
+std::atomic<long> outstanding{0};
+constinit thread_local bool ownsFault = false;
+
+bool fails() noexcept {
+    if (!active.load(std::memory_order_relaxed) || ownsFault == ofOthers.load(std::memory_order_relaxed))
+        return false;
+    const int before = passing.load(std::memory_order_relaxed) < 0 ? -1 : passing--;
+    if (before > 0 || (before < 0 && !allAfter)) return false;
+    errno = ENOMEM;
+    return true;
+}
+
+void* counted(void* block) noexcept {
+    if (block != nullptr) outstanding.fetch_add(1, std::memory_order_relaxed);
+    return block;
+}
+
+}  // namespace
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+void* malloc(std::size_t bytes) noexcept {
+    return fails() ? nullptr : counted(EPG_ALLOCATOR(malloc)(bytes));
+}
+
+void* calloc(std::size_t count, std::size_t bytes) noexcept {
+    return fails() ? nullptr : counted(EPG_ALLOCATOR(calloc)(count, bytes));
+}
+
+void* realloc(void* block, std::size_t bytes) noexcept {
+    if (fails()) return nullptr;
+    void* const moved = EPG_ALLOCATOR(realloc)(block, bytes);
+    if (block == nullptr) return counted(moved);
+    if (moved == nullptr && bytes == 0) outstanding.fetch_sub(1, std::memory_order_relaxed);
+    return moved;
+}
+
+void* memalign(std::size_t alignment, std::size_t bytes) noexcept {
+    return fails() ? nullptr : counted(EPG_ALLOCATOR(memalign)(alignment, bytes));
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t bytes) noexcept {
+    return memalign(alignment, bytes);
+}
+
+int posix_memalign(void** block, std::size_t alignment, std::size_t bytes) noexcept {
+    void* const made = memalign(alignment, bytes);
+    if (made == nullptr) return ENOMEM;
+    *block = made;
+    return 0;
+}
+
+void free(void* block) noexcept {
+    if (block != nullptr) outstanding.fetch_sub(1, std::memory_order_relaxed);
+    EPG_ALLOCATOR(free)(block);
+}
+}
+
+// A sanitizer's own operator new would not come by here.
+void* operator new(std::size_t bytes) {
+    void* const block = std::malloc(bytes == 0 ? 1 : bytes);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+void* operator new[](std::size_t bytes) {
+    return operator new(bytes);
+}
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    return std::malloc(bytes == 0 ? 1 : bytes);
+}
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
+    return std::malloc(bytes == 0 ? 1 : bytes);
+}
+void* operator new(std::size_t bytes, std::align_val_t alignment) {
+    void* const block = memalign(static_cast<std::size_t>(alignment), bytes);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+void operator delete(void* block, std::align_val_t) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
+    std::free(block);
+}
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
+#pragma GCC visibility pop
+
+namespace epgtest {
+
+AllocationFault::AllocationFault(int passed, Extent extent, Threads threads) {
+    ownsFault = true;
+    ofOthers = threads == OtherThreads;
+    allAfter = extent == AndAllAfter;
+    passing = passed;
+    active = true;
+}
+
+AllocationFault::~AllocationFault() {
+    end();
+    ownsFault = false;
+}
+
+bool AllocationFault::happened() const {
+    return passing < 0;
+}
+
+void AllocationFault::end() {
+    active = false;
+}
+
+long outstandingAllocations() {
+    return outstanding;
+}
+
+}  // namespace epgtest
