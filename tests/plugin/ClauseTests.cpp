@@ -23,12 +23,12 @@ using Parameters = OpenPlugin::ParameterMap;
 using Columns = std::list<std::string>;
 using Conditions = std::map<std::string, std::string>;
 
-constexpr int channelView = 1;
-constexpr int programmeView = 2;
-constexpr int otherView = 3;
-
 class Clauses : public epgtest::TableTest {
 protected:
+    static constexpr int channelView = 1;
+    static constexpr int programmeView = 2;
+    static constexpr int otherView = 3;
+
     static Columns columns(const std::string& value, int view) {
         Columns list;
         OpenPlugin::m_getColNamesFrmQueryParam(value, list, view);

@@ -20,13 +20,13 @@ using testing::Pair;
 
 using RowMap = std::map<std::string, std::string>;
 
-constexpr int channelView = 1;
-constexpr int programmeView = 2;
-constexpr int scheduleView = 3;
-constexpr int otherView = 4;
-
 class ResultRows : public epgtest::TableTest {
 protected:
+    static constexpr int channelView = 1;
+    static constexpr int programmeView = 2;
+    static constexpr int scheduleView = 3;
+    static constexpr int otherView = 4;
+
     /// A statement on its first row.
     class FirstRow {
     public:

@@ -14,8 +14,6 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr auto Trace = Container::Logger::Trace;
-
 class ScheduleClear : public ScheduleMirrorTest {};
 
 TEST_F(ScheduleClear, SetsTheColumnsOfBookedProgrammesToNull) {

@@ -18,8 +18,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr auto Trace = Container::Logger::Trace;
-
 const std::string insertStatement =
     "INSERT into myView ('ChannelId','ChannelNumber','ChannelName','ChannelPath','ServiceType','AntennaType',"
     "'ScrambledFlag','EventId','ProgramName','ProgramStartTime','ProgramEndTime','ScheduleId','ScheduleType',"

@@ -13,6 +13,8 @@
 
 namespace epgtest {
 
+constexpr auto Trace = Container::Logger::Trace;
+
 /// A reminder store that hands out a list of entries as it stands.
 class ReminderList : public TestReminders {
 public:

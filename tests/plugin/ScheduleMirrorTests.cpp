@@ -20,7 +20,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr auto Trace = Container::Logger::Trace;
 constexpr auto Error = Container::Logger::Error;
 
 const std::string insertSql =

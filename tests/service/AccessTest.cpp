@@ -7,8 +7,6 @@
 namespace epgset::test {
 namespace {
 
-const std::string smallGuide = EPG_TEST_DATA "/small.xml";
-
 TEST(Access, IsRefusedToAForeignNameAndToOtherSitesPages) {
     RunningSet set(
         {"--guide", smallGuide, "--host-name", "tv.home", "--allow-origin", "http://tablet.example"});

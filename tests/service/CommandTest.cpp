@@ -18,7 +18,6 @@ using ::testing::StartsWith;
 
 using Arguments = EpghostProcess::Arguments;
 
-const std::string smallGuide = EPG_TEST_DATA "/small.xml";
 const std::string fiveChannels = EPG_TEST_DATA "/five-channels.xml";
 
 /// What a command printed, and its status.

@@ -22,8 +22,6 @@ namespace fs = std::filesystem;
 using ::testing::Gt;
 using ::testing::HasSubstr;
 
-constexpr std::uint32_t noon = 1'787'486'400;  // 2026-08-23T12:00:00Z
-
 template <typename Condition>
 bool eventually(const Condition& condition) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);

@@ -19,8 +19,6 @@ using ::testing::HasSubstr;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
-constexpr std::uint32_t noon = 1'787'486'400;  // 2026-08-23T12:00:00Z
-
 /// A set with a small guide at noon, and its state folder, which is filled before it is started.
 class ReminderService : public ::testing::Test {
 protected:

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -11,6 +12,11 @@
 #include "tests/support/TemporaryFolder.h"
 
 namespace epgset::test {
+
+/// A guide of a few programmes.
+inline const std::string smallGuide = EPG_TEST_DATA "/small.xml";
+
+constexpr std::uint32_t noon = 1'787'486'400;  ///< 2026-08-23T12:00:00Z
 
 /// An epghost on a free port, with a state folder of its own.
 class RunningSet {

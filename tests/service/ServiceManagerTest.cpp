@@ -19,8 +19,6 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 
-const std::string smallGuide = EPG_TEST_DATA "/small.xml";
-
 /// The manager's end: a datagram socket under a name, "@..." for an abstract one.
 class ManagerSocket {
 public:

@@ -20,8 +20,6 @@ using ::testing::StartsWith;
 using Arguments = EpghostProcess::Arguments;
 
 /// A guide of two channels and one programme, which is read in no time.
-const std::string smallGuide = EPG_TEST_DATA "/small.xml";
-
 /// Tests of starts that fail: a folder to work in, and what such a start has to look like.
 class FailedStart : public ::testing::Test {
 protected:

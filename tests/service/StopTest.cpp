@@ -23,8 +23,6 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 /// A guide of two channels and one programme, which is read in no time.
-const std::string smallGuide = EPG_TEST_DATA "/small.xml";
-
 TEST(Stop, EndsWithStatus0OnEitherSignal) {
     for (const int number : {SIGTERM, SIGINT}) {
         RunningSet set({"--guide", smallGuide, "--log-level", "error"});

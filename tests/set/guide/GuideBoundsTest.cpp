@@ -15,7 +15,7 @@ namespace {
 using testing::ElementsAre;
 
 constexpr std::int64_t kNow = 1787443200;
-constexpr std::int64_t kDay = 24 * 3600;
+constexpr std::int64_t kDaySeconds = 24 * 3600;
 
 Channel channel(bool digital = true) {
     Channel made;
@@ -91,12 +91,12 @@ TEST(GuideBounds, LeaveAloneWhatTheTableDoesNotHoldYet) {
     const std::string title(3000, 'x');
     std::vector<ScheduledProgramme> programmes = hourly(40, 0, title);
     for (int index = 0; index < 40; ++index)
-        programmes.push_back(at(kNow + 20 * kDay + 3600 * index, title));
+        programmes.push_back(at(kNow + 20 * kDaySeconds + 3600 * index, title));
     const auto bounded = applyBounds(programmes, {channel()}, {1000, 60, kNow});
     EXPECT_EQ(bounded.dropped, 0U);
     ASSERT_TRUE(bounded.fitsUntil.has_value());
-    EXPECT_GT(*bounded.fitsUntil, kNow + 12 * kDay);
-    EXPECT_LT(*bounded.fitsUntil, kNow + 13 * kDay + 40 * 3600);
+    EXPECT_GT(*bounded.fitsUntil, kNow + 12 * kDaySeconds);
+    EXPECT_LT(*bounded.fitsUntil, kNow + 13 * kDaySeconds + 40 * 3600);
 
     // A guide that is bounded again at that time fits.
     const auto again = applyBounds(programmes, {channel()}, {1000, 60, *bounded.fitsUntil});

@@ -12,6 +12,8 @@
 
 namespace epgset {
 
+constexpr int airSource = 2;  ///< the channels of antenna AIR, as keys have it
+
 /// Puts a guide into use, and an empty one back at the end.
 class GuideInUse {
 public:

@@ -10,8 +10,6 @@
 namespace epgset {
 namespace {
 
-constexpr int airSource = 2;
-
 /// `size` channels, each with `size` programmes.
 std::shared_ptr<const Guide> squareGuide(int size) {
     GuideBuilder builder;

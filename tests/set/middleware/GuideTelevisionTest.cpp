@@ -18,7 +18,6 @@ using ::testing::IsEmpty;
 
 constexpr int air = 0;
 constexpr int satellite = 3;
-constexpr int airSource = 2;
 constexpr int satelliteSource = 7;
 constexpr long long whole = 4294967295LL;
 

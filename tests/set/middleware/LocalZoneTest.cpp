@@ -7,8 +7,8 @@
 namespace epgset {
 namespace {
 
-constexpr std::int64_t january2026 = 1768478400;  // 15th, 12:00 UTC
-constexpr std::int64_t july2026 = 1784116800;     // 15th, 12:00 UTC
+constexpr std::int64_t inJanuary = 1768478400;  // 15th, 12:00 UTC
+constexpr std::int64_t inJuly = 1784116800;     // 15th, 12:00 UTC
 
 /// The zones are written as rules, so that the tests need no zone files.
 void expectZone(std::int64_t at, int minutesEast, bool daylightSaving) {
@@ -19,14 +19,14 @@ void expectZone(std::int64_t at, int minutesEast, bool daylightSaving) {
 
 TEST(LocalZone, IsZeroInUtc) {
     const ProcessZone zone("UTC0");
-    expectZone(january2026, 0, false);
-    expectZone(july2026, 0, false);
+    expectZone(inJanuary, 0, false);
+    expectZone(inJuly, 0, false);
 }
 
 TEST(LocalZone, TellsTheStandardOffsetAndDaylightSavingApart) {
     const ProcessZone zone("CET-1CEST,M3.5.0,M10.5.0/3");
-    expectZone(january2026, 60, false);
-    expectZone(july2026, 60, true);
+    expectZone(inJanuary, 60, false);
+    expectZone(inJuly, 60, true);
 }
 
 TEST(LocalZone, ChangesAtTheVerySecond) {
@@ -39,30 +39,30 @@ TEST(LocalZone, ChangesAtTheVerySecond) {
 TEST(LocalZone, WorksSouthOfTheEquatorAndWestOfGreenwich) {
     {
         const ProcessZone zone("NZST-12NZDT,M9.5.0,M4.1.0/3");
-        expectZone(january2026, 720, true);
-        expectZone(july2026, 720, false);
+        expectZone(inJanuary, 720, true);
+        expectZone(inJuly, 720, false);
     }
     const ProcessZone zone("NST3:30NDT,M3.2.0,M11.1.0");
-    expectZone(january2026, -210, false);
-    expectZone(july2026, -210, true);
+    expectZone(inJanuary, -210, false);
+    expectZone(inJuly, -210, true);
 }
 
 TEST(LocalZone, SumsToTheWallClockWhereDaylightSavingIsHalfAnHour) {
     const ProcessZone zone("<+1030>-10:30<+11>-11,M10.1.0,M4.1.0");
-    expectZone(july2026, 630, false);
-    expectZone(january2026, 600, true);  // 10:00 and an hour are the 11:00 on the wall
+    expectZone(inJuly, 630, false);
+    expectZone(inJanuary, 600, true);  // 10:00 and an hour are the 11:00 on the wall
 }
 
 TEST(LocalZone, ReportsAWinterThatIsShiftedBackAsAPlainOffset) {
     const ProcessZone zone("IST-1GMT0,M10.5.0,M3.5.0/1");
-    expectZone(january2026, 0, false);
-    expectZone(july2026, 60, false);
+    expectZone(inJanuary, 0, false);
+    expectZone(inJuly, 60, false);
 }
 
 TEST(LocalZone, KeepsTheHourApartWhereDaylightSavingNeverEnds) {
     const ProcessZone zone("EST5EDT,0/0,J365/25");
-    expectZone(january2026, -300, true);
-    expectZone(july2026, -300, true);
+    expectZone(inJanuary, -300, true);
+    expectZone(inJuly, -300, true);
 }
 
 }  // namespace

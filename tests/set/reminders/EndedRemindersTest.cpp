@@ -1,14 +1,12 @@
 #include "tests/set/middleware/ProcessZone.h"
 #include "tests/set/reminders/ReminderFixture.h"
+#include "tests/set/reminders/Times.h"
 
 namespace epgset {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-constexpr std::uint32_t day = 86'400;
-constexpr std::uint32_t hour = 3'600;
 
 class EndedRemindersTest : public ReminderFixture {
 protected:

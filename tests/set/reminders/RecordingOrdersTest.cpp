@@ -1,6 +1,7 @@
 // What the recorder is asked for, and what is shown meanwhile.
 #include "tests/set/middleware/ProcessZone.h"
 #include "tests/set/reminders/DueRemindersFixture.h"
+#include "tests/set/reminders/Times.h"
 
 namespace epgset {
 namespace {
@@ -8,8 +9,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-
-constexpr std::uint32_t day = 86'400;
 
 /// Recordings of channel 7 from 2'000'000 on.
 class RecordingOrdersTest : public DueRemindersFixture {

@@ -3,16 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "tests/set/middleware/ProcessZone.h"
+#include "tests/set/reminders/Times.h"
 
 namespace epgset {
 namespace {
-
-constexpr std::int64_t day = 86'400;
-constexpr std::int64_t hour = 3'600;
-
-// Paris in 2026: daylight saving from 29 March 01:00 UTC to 25 October 01:00 UTC.
-constexpr std::int64_t march29 = 1'774'742'400;
-constexpr std::int64_t october25 = 1'792'886'400;
 
 TEST(RepeatTimes, AreReckonedOnTheWallClock) {
     const ProcessZone zone("Europe/Paris");
@@ -88,7 +82,7 @@ TEST(RepeatTimes, StayAtTheirTimeOfDayAcrossDaylightSaving) {
     std::int64_t wall = march29 - 2 * day + 2 * hour + 1800;  // 02:30, which is skipped on the 29th
     for (int step = 1; step <= 3; ++step) {
         wall = nextRepeat(wall, 0x7F, unixAtWallClock(wall));
-        EXPECT_EQ(wall, march29 + (step - 2) * day + 2 * hour + 1800);
+        EXPECT_EQ(wall, march29 + (std::int64_t{step} - 2) * day + 2 * hour + 1800);
     }
     EXPECT_EQ(wallClockAt(unixAtWallClock(wall)) % day, 2 * hour + 1800);
 }

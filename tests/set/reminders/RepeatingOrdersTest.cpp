@@ -5,19 +5,13 @@
 
 #include "tests/set/middleware/ProcessZone.h"
 #include "tests/set/reminders/DueRemindersFixture.h"
+#include "tests/set/reminders/Times.h"
 
 namespace epgset {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-constexpr std::int64_t day = 86'400;
-constexpr std::int64_t hour = 3'600;
-
-// Paris in 2026: daylight saving from 29 March 01:00 UTC to 25 October 01:00 UTC.
-constexpr std::int64_t march29 = 1'774'742'400;
-constexpr std::int64_t october25 = 1'792'886'400;
 
 class RepeatingOrdersTest : public DueRemindersFixture {
 protected:
