@@ -9,7 +9,9 @@
 #include <string>
 
 #include "host/CTimerUtil.h"
+#include "set/middleware/LocalZone.h"
 #include "tests/plugin/AdapterTest.h"
+#include "tests/set/middleware/ProcessZone.h"
 #include "tests/support/FailingAllocations.h"
 
 namespace epgtest {
@@ -79,6 +81,34 @@ TEST_F(TimeText, ReadBackUnderDaylightSavingIsAnHourLate) {
     clock.setZone(540, true);
     const HeapText text(t_get_ISO8601_from_UNIX(1'000'000));
     EXPECT_EQ(t_get_UNIX_from_ISO8601(text.get()), 1'003'600);
+}
+
+TEST_F(TimeText, IsTheSameForBothHoursThatTheClockShowsAtTheEndOfDaylightSaving) {
+    const epgset::ProcessZone berlin("Europe/Berlin");
+    constexpr long long change = 1'792'890'000;  // 2026-10-25T01:00:00Z, when 03:00 becomes 02:00
+    const auto setNow = [this](long long now) {
+        clock.setNow(now);
+        const epgset::ZoneOffset zone = epgset::localZoneAt(now);
+        clock.setZone(zone.minutesEast, zone.daylightSaving);
+    };
+    constexpr long long halfAnHour = 1'800;
+    const char* const shown = "2026-10-25T02:30:00+01:00";
+
+    setNow(change - halfAnHour);
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(change - halfAnHour)), shown);
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(change + halfAnHour)), "2026-10-25T03:30:00+01:00");
+    EXPECT_EQ(unixOf(shown), change + halfAnHour) << "read back, an hour late";
+    EXPECT_EQ(t_get_current_UNIX_time(), change - halfAnHour);
+
+    setNow(change - 1);
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(change - 1)), "2026-10-25T02:59:59+01:00");
+    setNow(change);
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(change)), "2026-10-25T02:00:00+01:00");
+
+    setNow(change + halfAnHour);
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(change + halfAnHour)), shown);
+    EXPECT_EQ(taken(t_get_ISO8601_from_UNIX(change - halfAnHour)), "2026-10-25T01:30:00+01:00");
+    EXPECT_EQ(t_get_current_UNIX_time(), change + halfAnHour);
 }
 
 TEST_F(TimeText, IsCutToTwentyFiveCharacters) {

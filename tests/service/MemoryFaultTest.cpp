@@ -98,15 +98,14 @@ protected:
         return answer;
     }
 
-    /// Asks with each allocation failing in turn, hands each answer to `check`, and answers how many there
-    /// were.
+    /// Asks with one allocation after the other failing, and hands each answer to `check`.
     template <typename Check>
-    int askWithEachFailing(const WebRequest& request, AllocationFault::Extent extent, const Check& check) {
-        for (int n = 0;; ++n) {
+    void askWithEachFailing(const WebRequest& request, AllocationFault::Extent extent, const Check& check) {
+        for (int n = epgtest::firstFault(extent);; n += epgtest::faultStep()) {
             AllocationFault fault(n, extent);
             const std::optional<WebResponse> answer = ask(request, fault);
             check(n, answer);
-            if (HasFatalFailure() || !fault.happened()) return n;
+            if (HasFatalFailure() || !fault.happened()) return;
         }
     }
 
@@ -206,8 +205,9 @@ TEST_P(ChangeWithoutMemory, IsMadeInMemoryAndOnDiskOrNeither) {
     for (const auto extent : extents) {
         ASSERT_NO_FATAL_FAILURE(begin());
         int made = 0;
-        int n = 0;
-        for (bool failed = true; failed; ++n) {
+        int unmade = 0;
+        int n = epgtest::firstFault(extent);
+        for (bool failed = true; failed; n += epgtest::faultStep()) {
             const std::string before = entriesOf(set_.store);
             const WebRequest change = request();
             AllocationFault fault(n, extent);
@@ -218,7 +218,7 @@ TEST_P(ChangeWithoutMemory, IsMadeInMemoryAndOnDiskOrNeither) {
             if (after != before) {
                 ++made;
                 ASSERT_NO_FATAL_FAILURE(begin());
-            } else if (n % 10 == 0) {
+            } else if (unmade++ % 10 == 0) {
                 ASSERT_LT(set_.ask(request()).status, 300) << "after allocation " << n;
                 ASSERT_NE(before, entriesOf(set_.store)) << "after allocation " << n;
                 ASSERT_NO_FATAL_FAILURE(begin());
@@ -254,8 +254,9 @@ TEST_F(FillWithoutMemory, IsMadeGoodByTheNextFill) {
     const std::string good = table();
     int failures = 0;
     for (const auto extent : extents) {
-        const int step = extent == AllocationFault::One ? 2 : 20;
-        for (int n = 0;; n += step) {
+        // Of some thousand.
+        const int step = (extent == AllocationFault::One ? 2 : 20) * epgtest::faultStep();
+        for (int n = epgtest::firstFault(extent);; n += step) {
             passTime();
             AllocationFault fault(n, extent);
             bool filled = false;
@@ -272,7 +273,7 @@ TEST_F(FillWithoutMemory, IsMadeGoodByTheNextFill) {
             if (!fault.happened()) break;
         }
     }
-    EXPECT_GT(failures, 300);
+    EXPECT_GT(failures, 300 / epgtest::faultStep());
     std::cout << "figure: " << failures
               << " fills of the table that ran out of memory, each made good by the next\n";
 }
@@ -280,7 +281,7 @@ TEST_F(FillWithoutMemory, IsMadeGoodByTheNextFill) {
 TEST_F(FillWithoutMemory, IsTriedAgainByTheNextRequestWhenItWasTheFirst) {
     const std::string good = table();
     const WebRequest request = webRequest("GET", "/ws/epg2/channels");
-    for (int n = 0;; n += 50) {  // of some thousand
+    for (int n = 0;; n += 50 * epgtest::faultStep()) {  // of some thousand
         set_.reload();
         AllocationFault fault(n);
         ask(request, fault);

@@ -42,13 +42,14 @@ protected:
         return length != std::string::npos && std::stoul(answer.substr(length + 16)) == answer.size() - body;
     }
 
-    /// Lets each allocation fail in turn that one request takes.
+    /// Lets one allocation after the other fail of those that one request takes.
     void failEach(const std::string& request) {
         const int good = statusOf(ask(request));
         ASSERT_EQ(200, good);
         int closed = 0;
-        int n = 0;
-        for (bool failed = true; failed; ++n) {
+        int requests = 0;
+        int n = epgtest::firstFault(GetParam());
+        for (bool failed = true; failed; n += epgtest::faultStep(), ++requests) {
             RawConnection connection(url_);
             // Not while the connection is taken: one that cannot be taken is tried again by the library.
             AllocationFault fault(n, GetParam(), AllocationFault::OtherThreads);
@@ -60,7 +61,7 @@ protected:
             EXPECT_TRUE(answer.empty() || isWhole(answer)) << "allocation " << n << ": " << answer;
             ASSERT_EQ(good, statusOf(ask(request))) << "after allocation " << n;
         }
-        std::cout << "figure: " << n << " requests over HTTP without memory, " << closed
+        std::cout << "figure: " << requests << " requests over HTTP without memory, " << closed
                   << " connections closed\n";
     }
 

@@ -155,6 +155,14 @@ void AllocationFault::end() {
     active = false;
 }
 
+int faultStep() {
+    return std::getenv("EPG_LONG_TESTS") != nullptr ? 1 : 5;
+}
+
+int firstFault(AllocationFault::Extent extent) {
+    return extent == AllocationFault::One ? 0 : faultStep() / 2;
+}
+
 long outstandingAllocations() {
     return outstanding;
 }

@@ -26,6 +26,14 @@ public:
     void end();
 };
 
+/// How far apart the allocations are that a series of faults lets fail. Each of them fails where
+/// EPG_LONG_TESTS is in the environment, as `./test --long` has it, and every fifth otherwise.
+int faultStep();
+
+/// The first of them. It differs by the extent, so that other allocations fail alone than with all that
+/// follow.
+int firstFault(AllocationFault::Extent extent);
+
 /// Blocks that were allocated and not freed, by all threads.
 long outstandingAllocations();
 

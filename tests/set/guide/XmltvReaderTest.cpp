@@ -5,8 +5,10 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "set/guide/GuideError.h"
@@ -267,6 +269,43 @@ TEST_F(XmltvReaderTest, TellsTheLineOfARecordHoweverFarDownItStands) {
         lines.push_back(programme.line);
     EXPECT_EQ(lines, guide.lines);
     EXPECT_EQ(recorded.channels.at(0).line, 3);
+}
+
+/// Puts another file in the place of the one that is read, at its first programme.
+struct ReplacingFile : Recorded {
+    ReplacingFile(std::filesystem::path file, std::filesystem::path by)
+        : file_(std::move(file)), by_(std::move(by)) {}
+
+    void programme(const XmltvProgramme& programme) override {
+        if (programmes.empty()) std::filesystem::rename(by_, file_);
+        Recorded::programme(programme);
+    }
+
+private:
+    const std::filesystem::path file_;
+    const std::filesystem::path by_;
+};
+
+TEST_F(XmltvReaderTest, ReadsTheWholeOldFileWhenAnotherTakesItsPlaceMeanwhileAndThenTheWholeNewOne) {
+    const std::size_t count = 5'000;  // more than is read at once
+    const auto guideOf = [&](const std::string& channel) {
+        std::string text = "<tv>";
+        for (std::size_t i = 0; i < count; ++i)
+            text +=
+                "<programme channel='" + channel + "' start='20260823120000'><title>T</title></programme>\n";
+        return text + "</tv>";
+    };
+    const auto onlyOf = [&](const std::string& channel) {
+        return testing::AllOf(testing::SizeIs(count),
+                              testing::Each(testing::Field(&XmltvProgramme::channel, channel)));
+    };
+    const auto file = folder_.write("guide.xml", guideOf("old"));
+    ReplacingFile first(file, folder_.write("new.xml", guideOf("new")));
+    readXmltv(file, first);
+    EXPECT_THAT(first.programmes, onlyOf("old"));
+    Recorded second;
+    readXmltv(file, second);
+    EXPECT_THAT(second.programmes, onlyOf("new"));
 }
 
 }  // namespace
