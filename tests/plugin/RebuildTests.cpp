@@ -77,6 +77,25 @@ TEST_F(Rebuild, CountsThe600SecondsFromTheLastRebuild) {
     EXPECT_THAT(names(), ElementsAre(Row{"Later"}));
 }
 
+TEST_F(Rebuild, FollowsAClockThatJumpsByAYearAndBack) {
+    constexpr std::int64_t year = 365 * 86'400;
+    TestGuide guide;
+    guide.programme(guide.channel(Air, 1), startTime + 3'600, startTime + 7'200, "News", 17);
+    guide.use();
+    const auto programmes = [] { return table("SELECT ProgramName FROM myView WHERE EventId<>''"); };
+    clock.advance(601);
+    instance->rebuildDB(false);
+    EXPECT_THAT(programmes(), ElementsAre(Row{"News"}));
+    clock.advance(-year);
+    instance->rebuildDB(false);  // the last fill is still to come
+    EXPECT_THAT(programmes(), ElementsAre(Row{"News"}));
+    instance->rebuildDB(true);  // it begins in more than seven days
+    EXPECT_THAT(programmes(), IsEmpty());
+    clock.advance(2 * year);  // what is over stays
+    instance->rebuildDB(false);
+    EXPECT_THAT(programmes(), ElementsAre(Row{"News"}));
+}
+
 TEST_F(Rebuild, LogsItsStepsInOrder) {
     clock.advance(10);
     instance->rebuildDB(true);
