@@ -15,6 +15,7 @@
 #include "set/epghost/GuideNews.h"
 #include "set/epghost/GuideRefresh.h"
 #include "set/epghost/GuideSource.h"
+#include "set/epghost/OpenFileLimit.h"
 #include "set/epghost/PluginFile.h"
 #include "set/epghost/ProcessZone.h"
 #include "set/epghost/Reminders.h"
@@ -115,7 +116,8 @@ std::string textOf(const std::string& file, const char* option) {
 }
 
 HttpServer::Limits serverLimits(const Options& options) {
-    HttpServer::Limits limits;
+    HttpServer::Limits limits = options.web;
+    allowOpenFiles(HttpServer::openFiles(limits), "--max-connections");
     if (options.tlsCert.empty() != options.tlsKey.empty()) {
         throw StartError("--tls-cert and --tls-key are given together");
     }

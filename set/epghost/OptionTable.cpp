@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <system_error>
 
 #include "set/epghost/TimeOption.h"
@@ -55,6 +57,64 @@ constexpr std::string_view levelWords = "trace|debug|warning|error|off";
 constexpr std::uint64_t mostProgrammes = 1'000'000'000;
 constexpr std::uint64_t mostTuners = 64;
 constexpr std::uint64_t mostBytes = 1'000'000'000'000'000;
+constexpr std::uint64_t mostMemory = std::numeric_limits<std::size_t>::max() / 2;
+
+constexpr std::uint64_t mostConnections = 100'000;
+constexpr std::uint64_t mostSeconds = 86'400;
+constexpr std::uint64_t leastHead = 4096;
+constexpr std::uint64_t mostHead = std::uint64_t{16} << 20U;
+
+std::string takeSeconds(std::chrono::seconds& into, Text text) {
+    std::int64_t seconds = into.count();
+    std::string fault = takeNumber(seconds, text, 1, mostSeconds);
+    into = std::chrono::seconds(seconds);
+    return fault;
+}
+
+std::string takeConnections(Options& options, Text text) {
+    return takeNumber(options.web.connections, text, 1, mostConnections);
+}
+
+std::string takeConnectionsPerAddress(Options& options, Text text) {
+    return takeNumber(options.web.connectionsPerAddress, text, 1, mostConnections);
+}
+
+std::string takeIdleTime(Options& options, Text text) {
+    return takeSeconds(options.web.idleTime, text);
+}
+
+std::string takeHeadTime(Options& options, Text text) {
+    return takeSeconds(options.web.headTime, text);
+}
+
+std::string takeBodyTime(Options& options, Text text) {
+    return takeSeconds(options.web.bodyTime, text);
+}
+
+std::string takeAnswerTime(Options& options, Text text) {
+    return takeSeconds(options.web.answerTime, text);
+}
+
+std::string takeMaxHead(Options& options, Text text) {
+    return takeNumber(options.web.headMemory, text, leastHead, mostHead);
+}
+
+/// What the plug-in takes is always read.
+std::string takeMaxBody(Options& options, Text text) {
+    return takeNumber(options.web.statedBody, text, maximumRequestBody, mostBytes);
+}
+
+std::string takeMaxChunkedBody(Options& options, Text text) {
+    return takeNumber(options.web.chunkedBody, text, maximumRequestBody, mostBytes);
+}
+
+std::string takeBodyMemory(Options& options, Text text) {
+    return takeNumber(options.web.bodyMemory, text, maximumRequestBody, mostMemory);
+}
+
+std::string takeAnswerMemory(Options& options, Text text) {
+    return takeNumber(options.web.answerMemory, text, 1, mostMemory);
+}
 
 std::string takeGuide(Options& options, Text text) {
     std::string guide;
@@ -206,6 +266,30 @@ constexpr auto table = std::to_array<OptionEntry>({
     {"tls-cert", "FILE", "Serve HTTPS with this certificate (PEM), with --tls-key", "HTTP", Form::Text, false,
      takeCertificate},
     {"tls-key", "FILE", "The certificate's key (PEM)", "none", Form::Text, false, takeKey},
+    {"max-connections", "N", "How many connections may be open at a time", "256", Form::Number, false,
+     takeConnections},
+    {"max-connections-per-address", "N", "How many of them from one client address", "128", Form::Number,
+     false, takeConnectionsPerAddress},
+    {"idle-time", "SECONDS", "A connection that is silent for so long is closed", "30", Form::Number, false,
+     takeIdleTime},
+    {"head-time", "SECONDS", "How long a request may take until its headers have come; 408 after that", "30",
+     Form::Number, false, takeHeadTime},
+    {"body-time", "SECONDS", "How long the body of a request may take; 408 after that", "60", Form::Number,
+     false, takeBodyTime},
+    {"answer-time", "SECONDS", "How long a client may take to read an answer; closed after that", "600",
+     Form::Number, false, takeAnswerTime},
+    {"max-head", "BYTES", "The memory of a connection for request line and headers; 414 or 431 beyond",
+     "65536", Form::Number, false, takeMaxHead},
+    {"max-body", "BYTES", "The longest body of a stated length that is read; a longer one is answered unread",
+     "16777216", Form::Number, false, takeMaxBody},
+    {"max-chunked-body", "BYTES", "The longest body in chunks that is read; 413 beyond", "67108864",
+     Form::Number, false, takeMaxChunkedBody},
+    {"body-memory", "BYTES", "How much the bodies that are read may take together; 503 beyond", "67108864",
+     Form::Number, false, takeBodyMemory},
+    {"answer-memory", "BYTES",
+     "How much the answers that are sent may take together; beyond it those that have been under way for the "
+     "longest are cut",
+     "268435456", Form::Number, false, takeAnswerMemory},
     {"pvr", pvrWords, "What the set says of its ability to record", "on", Form::Text, false, takePvr},
     {"now", "TIME", "The set's clock starts at this time (ISO 8601) and runs on from it", "the system clock",
      Form::Text, false, takeNow},

@@ -10,6 +10,7 @@
 
 #include "host/Logger.h"
 #include "set/middleware/Clock.h"
+#include "set/web/HttpServer.h"
 
 namespace epgset {
 
@@ -34,6 +35,7 @@ struct Options {
     std::string tlsKey;                       ///< PEM file
     std::uint64_t answerCache = 16777216;     ///< bytes of answers that are kept; 0: none
     std::uint64_t recordingsMax = 0;          ///< bytes that the recordings may hold; 0: no bound
+    HttpServer::Limits web;                   ///< what clients may take; certificate and key are in the files
     std::string webRoot;                      ///< empty: the one that comes with the set
     std::string listen = "127.0.0.1";
     std::uint16_t port = 8080;

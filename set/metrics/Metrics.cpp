@@ -66,6 +66,8 @@ Metrics::Metrics()
       answerBytes_(counters(registry_, "epghost_http_answer_bytes_total", "Bytes of their bodies.")),
       stages_(counters(registry_, "epghost_request_seconds_total",
                        "Time that requests below /ws spent in each stage.")),
+      endedConnections_(counters(registry_, "epghost_ended_connections_total",
+                                 "Connections that the web server ended, by what they took too much of.")),
       guideEntries_(counters(registry_, "epghost_guide_programmes_total",
                              "Programmes that were read from guides, and those passed over.")) {}
 
@@ -79,6 +81,10 @@ void Metrics::countAnswer(const std::string& resource, const std::string& method
 void Metrics::countTime(RequestStage stage, std::chrono::steady_clock::duration time) {
     const std::chrono::duration<double> seconds = time;
     stages_.Add({{"stage", stageName(stage)}}).Increment(seconds.count());
+}
+
+void Metrics::countEndedConnection(const char* why) {
+    endedConnections_.Add({{"why", why}}).Increment();
 }
 
 void Metrics::countGuide(std::size_t read, std::size_t skipped) {

@@ -29,6 +29,10 @@ public:
 
     void countTime(RequestStage stage, std::chrono::steady_clock::duration time);
 
+    /// The web server ended a connection, for want of "room" or "memory", or since "head", "body" or "answer"
+    /// took too long, or the "length" of a body was too great.
+    void countEndedConnection(const char* why);
+
     /// A guide was read: how many programmes were taken and how many passed over.
     void countGuide(std::size_t read, std::size_t skipped);
 
@@ -40,6 +44,7 @@ private:
     prometheus::Family<prometheus::Counter>& answers_;
     prometheus::Family<prometheus::Counter>& answerBytes_;
     prometheus::Family<prometheus::Counter>& stages_;
+    prometheus::Family<prometheus::Counter>& endedConnections_;
     prometheus::Family<prometheus::Counter>& guideEntries_;
 };
 

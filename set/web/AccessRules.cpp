@@ -30,13 +30,18 @@ bool sameWord(std::string_view one, std::string_view other) {
     return one.size() == other.size() && strncasecmp(one.data(), other.data(), one.size()) == 0;
 }
 
-/// "HOST:PORT" and "[HOST]:PORT" without port and brackets; empty for what is neither.
+/// "HOST:PORT" and "[HOST]:PORT" without port and brackets; empty for what is neither, as two Host headers
+/// are.
 std::string_view withoutPort(std::string_view host) {
-    if (host.starts_with('[')) {
-        const auto close = host.find(']');
-        return close == std::string_view::npos ? std::string_view() : host.substr(1, close - 1);
-    }
-    return host.substr(0, host.find(':'));
+    const bool bracketed = host.starts_with('[');
+    if (bracketed && host.find(']') == std::string_view::npos) return {};
+    const auto end = std::min(host.find(bracketed ? ']' : ':'), host.size());
+    const std::string_view name = bracketed ? host.substr(1, end - 1) : host.substr(0, end);
+    std::string_view port = host.substr(std::min(bracketed ? end + 1 : end, host.size()));
+    if (port.empty()) return name;
+    if (!port.starts_with(':')) return {};
+    port.remove_prefix(1);
+    return port.find_first_not_of("0123456789") == std::string_view::npos ? name : std::string_view();
 }
 
 bool isAddress(const std::string& host) {
@@ -172,13 +177,14 @@ bool AccessRules::isAllowedOrigin(const std::string& origin) const {
 // A browser states where a page comes from in one of two headers, or in both; what is no browser in none.
 bool AccessRules::comesFromElsewhere(const WebRequest& request) const {
     const std::string origin = headerValue(request.headers, "Origin");
-    if (!origin.empty()) {
-        const auto scheme = origin.find("://");
-        const std::string_view host =
-            scheme == std::string::npos ? std::string_view() : std::string_view(origin).substr(scheme + 3);
-        return !sameWord(host, headerValue(request.headers, "Host")) && !isAllowedOrigin(origin);
-    }
-    return sameWord(headerValue(request.headers, "Sec-Fetch-Site"), "cross-site");
+    if (!origin.empty() && isAllowedOrigin(origin)) return false;
+    if (sameWord(headerValue(request.headers, "Sec-Fetch-Site"), "cross-site")) return true;
+    if (origin.empty()) return false;
+    const auto scheme = origin.find("://");
+    const std::string_view host =
+        scheme == std::string::npos ? std::string_view() : std::string_view(origin).substr(scheme + 3);
+    // "null" names no host, and neither does a request without one.
+    return host.empty() || !sameWord(host, headerValue(request.headers, "Host"));
 }
 
 bool AccessRules::hasToken(const WebRequest& request) const {

@@ -33,13 +33,21 @@ Exchange::Exchange(std::string_view target) {
 
 void Exchange::begin(std::string_view method, WebHeaders headers) {
     begun_ = true;
-    started_ = Clock::now();
     request_.method = method;
     request_.headers = std::move(headers);
     // A transfer coding overrides a stated length.
     if (headerValue(request_.headers, "Transfer-Encoding").empty()) {
         stated_ = lengthOf(headerValue(request_.headers, "Content-Length"));
     }
+}
+
+std::size_t Exchange::mostKept() const {
+    const bool chunked = !headerValue(request_.headers, "Transfer-Encoding").empty();
+    const std::uint64_t most = chunked ? maximumRequestBody : stated_.value_or(0);
+    return most <= maximumRequestBody ? static_cast<std::size_t>(most) : 0;
+}
+
+void Exchange::expectBody() {
     if (stated_ && *stated_ <= maximumRequestBody) request_.body.reserve(static_cast<std::size_t>(*stated_));
 }
 

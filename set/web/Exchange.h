@@ -33,6 +33,15 @@ public:
     /// Whether the body is coded in a way other than in chunks, so that its end cannot be told.
     bool codingIsUnknown() const;
 
+    /// How many bytes of the body are kept at the most.
+    std::size_t mostKept() const;
+
+    /// The body is going to be received.
+    void expectBody();
+
+    /// Counts bytes of the body that came when nobody wanted them any more, and answers how many there were.
+    std::uint64_t receivedInVain(std::uint64_t bytes) { return inVain_ += bytes; }
+
     /// Takes a piece of the body. Bytes beyond maximumRequestBody are only counted.
     void receive(std::string_view bytes);
     std::uint64_t received() const { return received_; }
@@ -41,8 +50,8 @@ public:
     const WebRequest& finish();
     const WebRequest& request() const { return request_; }
 
-    /// When the body began.
-    Clock::time_point started() const { return started_; }
+    /// Lets go of the body, which has been read.
+    void dropBody() { request_.body = std::string(); }
 
     /// The answer, once there is one.
     std::optional<WebResponse> response;
@@ -54,8 +63,8 @@ private:
     WebRequest request_;
     std::optional<std::uint64_t> stated_;
     std::uint64_t received_ = 0;
+    std::uint64_t inVain_ = 0;
     bool begun_ = false;
-    Clock::time_point started_;
 };
 
 }  // namespace epgset

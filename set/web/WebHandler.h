@@ -16,7 +16,8 @@ public:
     /// Answers what needs no waiting; nothing for other requests. Called from several threads at a time.
     virtual std::optional<WebResponse> answerAtOnce(const WebRequest& request) = 0;
 
-    /// Answers what may take its time. Called for one request at a time, in the order of arrival.
+    /// Answers what may take its time. Called for one request at a time: those of one
+    /// client address in the order of arrival, and one of each address in turn.
     virtual WebResponse answerInTurn(const WebRequest& request) = 0;
 };
 

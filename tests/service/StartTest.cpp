@@ -1,6 +1,9 @@
 // How epghost starts: its options, what it prints, and how it ends when it cannot start.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -77,6 +80,17 @@ TEST_F(FailedStart, NamesAnOptionWithABadValue) {
         {"--pvr", "ON"},
         {"--zone", "Europe/Paris"},
         {"--log-level", "info"},
+        {"--max-connections", "0"},
+        {"--max-connections-per-address", "0"},
+        {"--idle-time", "0"},
+        {"--head-time", "30s"},
+        {"--body-time", "86401"},
+        {"--answer-time", "0"},
+        {"--max-head", "1000"},
+        {"--max-body", "2097151"},
+        {"--max-chunked-body", "2097151"},
+        {"--body-memory", "1"},
+        {"--answer-memory", "0"},
         {"--max-programmes", "-1"},
         {"--max-programmes", "many"},
         {"--max-programmes", "1e3"},
@@ -89,6 +103,21 @@ TEST_F(FailedStart, NamesAnOptionWithABadValue) {
     for (const auto& [option, value] : bad) {
         EXPECT_THAT(refusal({option, value}), HasSubstr(option)) << value;
     }
+}
+
+TEST_F(FailedStart, NamesMoreConnectionsThanThereMayBeOpenFiles) {
+    const rlimit few{500, 500};
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        // The limit cannot be raised again, so that another process has it.
+        setrlimit(RLIMIT_NOFILE, &few);
+        const std::string text = refusal({"--max-connections", "1000"});
+        _exit(text.find("--max-connections: 1570 files") != std::string::npos ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(child, waitpid(child, &status, 0));
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
 TEST_F(FailedStart, NamesAnOptionGivenTwice) {

@@ -29,6 +29,8 @@ public:
 
     void signal(int number) const;
 
+    pid_t id() const { return process_; }
+
     /// Waits until the program ends and answers its exit status; 128 plus its number for a signal that
     /// ended it. Throws std::runtime_error after 60 s.
     int wait();

@@ -80,7 +80,8 @@ std::string HttpAnswer::header(const std::string& name) const {
     return found == headers.end() ? std::string() : found->second;
 }
 
-HttpClient::HttpClient(std::string base) : base_(std::move(base)), handle_(std::make_unique<Handle>()) {
+HttpClient::HttpClient(std::string base, std::string from)
+    : base_(std::move(base)), from_(std::move(from)), handle_(std::make_unique<Handle>()) {
     while (base_.ends_with('/')) {
         base_.pop_back();
     }
@@ -109,6 +110,7 @@ HttpAnswer HttpClient::perform(const std::string& method, const std::string& tar
     const List list = listOf(headers);
     curl_easy_reset(curl);
     curl_easy_setopt(curl, CURLOPT_URL, (base_ + target).c_str());
+    if (!from_.empty()) curl_easy_setopt(curl, CURLOPT_INTERFACE, ("host!" + from_).c_str());
     curl_easy_setopt(curl, CURLOPT_PATH_AS_IS, 1L);
     curl_easy_setopt(curl, CURLOPT_NOPROXY, "*");
     curl_easy_setopt(curl, CURLOPT_TIMEOUT, 60L);

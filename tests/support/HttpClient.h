@@ -26,8 +26,9 @@ class HttpClient {
 public:
     using Headers = std::vector<std::string>;  ///< lines such as "Accept: text/html"
 
-    /// `base` is the server's URL, with or without a slash at its end.
-    explicit HttpClient(std::string base);
+    /// `base` is the server's URL, with or without a slash at its end; `from` the client's own address, where
+    /// it matters.
+    explicit HttpClient(std::string base, std::string from = {});
     ~HttpClient();
     HttpClient(const HttpClient&) = delete;
     HttpClient& operator=(const HttpClient&) = delete;
@@ -56,6 +57,7 @@ private:
 
     struct Handle;
     std::string base_;
+    std::string from_;
     std::unique_ptr<Handle> handle_;
     long connectionsMade_ = 0;
 };

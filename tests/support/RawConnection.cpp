@@ -1,6 +1,8 @@
 #include "tests/support/RawConnection.h"
 
+#include <arpa/inet.h>
 #include <netdb.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -27,9 +29,18 @@ bool receiveSome(int socket, std::string& text, SteadyClock::time_point deadline
     return true;
 }
 
+void bindTo(int socket, const std::string& address) {
+    sockaddr_in own{};
+    own.sin_family = AF_INET;
+    if (inet_pton(AF_INET, address.c_str(), &own.sin_addr) != 1 ||
+        bind(socket, reinterpret_cast<const sockaddr*>(&own), sizeof own) != 0) {
+        throw std::runtime_error("cannot connect from " + address);
+    }
+}
+
 }  // namespace
 
-RawConnection::RawConnection(const std::string& url) {
+RawConnection::RawConnection(const std::string& url, const std::string& from) {
     const auto begin = url.find("//") + 2;
     const auto end = url.find('/', begin);
     const auto colon = url.rfind(':', end);
@@ -43,13 +54,14 @@ RawConnection::RawConnection(const std::string& url) {
         throw std::runtime_error("no address " + url);
     const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> owned(list, &freeaddrinfo);
     socket_ = socket(list->ai_family, list->ai_socktype | SOCK_CLOEXEC, list->ai_protocol);
+    if (!from.empty()) bindTo(socket_, from);
     if (socket_ < 0 || connect(socket_, list->ai_addr, list->ai_addrlen) != 0) {
         throw std::runtime_error("cannot connect to " + url);
     }
 }
 
 RawConnection::~RawConnection() {
-    close(socket_);
+    if (socket_ >= 0) close(socket_);
 }
 
 bool RawConnection::send(std::string_view bytes) {
@@ -63,6 +75,13 @@ bool RawConnection::send(std::string_view bytes) {
 
 void RawConnection::endSending() {
     shutdown(socket_, SHUT_WR);
+}
+
+void RawConnection::reset() {
+    const linger none{1, 0};
+    setsockopt(socket_, SOL_SOCKET, SO_LINGER, &none, sizeof none);
+    close(socket_);
+    socket_ = -1;
 }
 
 std::string RawConnection::receiveAll(std::chrono::milliseconds limit) {

@@ -10,9 +10,12 @@ namespace epgset::test {
 /// One TCP connection to a test's server. Used by one thread.
 class RawConnection {
 public:
-    /// `url` is the server's, such as "http://127.0.0.1:8080/". Throws std::runtime_error.
-    explicit RawConnection(const std::string& url);
+    /// `url` is the server's, such as "http://127.0.0.1:8080/"; `from` the client's own IPv4 address, one of
+    /// 127.0.0.0/8, where it matters. Throws std::runtime_error.
+    explicit RawConnection(const std::string& url, const std::string& from = {});
     ~RawConnection();
+    /// The socket, for a test that looks after many connections itself.
+    int descriptor() const { return socket_; }
     RawConnection(const RawConnection&) = delete;
     RawConnection& operator=(const RawConnection&) = delete;
 
@@ -21,6 +24,9 @@ public:
 
     /// Tells the server that nothing more comes.
     void endSending();
+
+    /// Closes the connection at once, with a reset.
+    void reset();
 
     /// What the server sends until it closes the connection or until `limit` has passed.
     std::string receiveAll(std::chrono::milliseconds limit = std::chrono::seconds(20));

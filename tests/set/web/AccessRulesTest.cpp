@@ -33,8 +33,10 @@ TEST(OwnHost, IsAnAddressOrLocalhost) {
     for (const char* host : {"127.0.0.1", "127.0.0.1:8080", "192.168.1.20", "[::1]", "[fe80::1]:80",
                              "localhost", "LocalHost:8080"})
         EXPECT_TRUE(isOwnHost(host, {})) << host;
-    for (const char* host : {"", "evil.example", "127.0.0.1.evil.example", "localhost.evil.example", "1.2.3",
-                             "[::1", "2130706433", "0x7f.1", "evil.example:127.0.0.1", "@localhost"})
+    for (const char* host :
+         {"", "evil.example", "127.0.0.1.evil.example", "localhost.evil.example", "1.2.3", "[::1",
+          "2130706433", "0x7f.1", "evil.example:127.0.0.1", "@localhost", "[", "127.0.0.1:80, evil.example",
+          "[::1], evil.example", "[::1]evil.example", "127.0.0.1:@evil.example", "localhost:80x"})
         EXPECT_FALSE(isOwnHost(host, {})) << host;
 }
 
@@ -77,6 +79,12 @@ TEST(AccessRules, RefuseThePagesOfOtherSites) {
             EXPECT_EQ(statusOf(rules, request(path, {host, {"Origin", origin}})), 403) << origin;
         EXPECT_EQ(statusOf(rules, request(path, {host, {"Sec-Fetch-Site", "cross-site"}})), 403);
         EXPECT_EQ(statusOf(rules, request(path, {host, {"Sec-Fetch-Site", "same-origin"}})), 200);
+        EXPECT_EQ(statusOf(rules, request(path, {{"Origin", "null"}})), 403);
+        EXPECT_EQ(
+            statusOf(
+                rules,
+                request(path, {host, {"Origin", "http://127.0.0.1:8080"}, {"Sec-Fetch-Site", "cross-site"}})),
+            403);
     }
     EXPECT_EQ(statusOf(rules, request("/", {host, {"Sec-Fetch-Site", "cross-site"}})), 200);
 }

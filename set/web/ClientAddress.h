@@ -1,0 +1,25 @@
+// Where a client connects from.
+#pragma once
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <cstring>
+
+namespace epgset {
+
+/// An IPv6 address, or an IPv4 one in its last four bytes; zeros for anything else.
+using ClientAddress = std::array<unsigned char, 16>;
+
+inline ClientAddress clientAddressOf(const sockaddr* address) {
+    ClientAddress bytes{};
+    if (address != nullptr && address->sa_family == AF_INET) {
+        std::memcpy(bytes.data() + 12, &reinterpret_cast<const sockaddr_in*>(address)->sin_addr, 4);
+    } else if (address != nullptr && address->sa_family == AF_INET6) {
+        std::memcpy(bytes.data(), &reinterpret_cast<const sockaddr_in6*>(address)->sin6_addr, bytes.size());
+    }
+    return bytes;
+}
+
+}  // namespace epgset
