@@ -64,7 +64,7 @@ std::string escaped(std::string_view text) {
 
 /// Divides `minutes` into `count` parts of unlike lengths, whole multiples of five minutes where there is
 /// room for that. Answers where each begins, and the end.
-std::vector<std::uint64_t> divide(std::uint64_t minutes, std::uint64_t count, SampleRandom& random) {
+std::vector<std::uint64_t> divide(std::uint64_t minutes, std::size_t count, SampleRandom& random) {
     const std::uint64_t step = minutes / count >= 15 ? 5 : 1;
     std::vector<std::uint64_t> weights(count);
     std::uint64_t sum = 0;
@@ -74,7 +74,7 @@ std::vector<std::uint64_t> divide(std::uint64_t minutes, std::uint64_t count, Sa
     }
     std::vector<std::uint64_t> bounds = {0};
     std::uint64_t passed = 0;
-    for (std::uint64_t part = 1; part < count; ++part) {
+    for (std::size_t part = 1; part < count; ++part) {
         passed += weights[part - 1];
         const std::uint64_t wanted = passed * minutes / sum / step * step;
         bounds.push_back(std::clamp(wanted, bounds.back() + step, minutes - (count - part) * step));
@@ -109,13 +109,13 @@ void writeSampleGuide(const SampleGuideSize& size, std::ostream& out) {
     const std::uint64_t minutes = static_cast<std::uint64_t>(size.days) * minutesADay;
     for (int channel = 0; channel < size.channels; ++channel) {
         const bool oneMore = static_cast<std::uint64_t>(channel) < size.programmes % channels;
-        const std::uint64_t count = size.programmes / channels + (oneMore ? 1 : 0);
+        const auto count = static_cast<std::size_t>(size.programmes / channels + (oneMore ? 1 : 0));
         if (count == 0) continue;
         SampleRandom random(size.seed, static_cast<std::uint64_t>(channel));
         SampleTexts texts(static_cast<std::size_t>(channel), random);
         const std::vector<std::uint64_t> bounds = divide(minutes, count, random);
         const std::string id = idOf(channel);
-        for (std::uint64_t part = 0; part < count; ++part) {
+        for (std::size_t part = 0; part < count; ++part) {
             writeProgramme(id, size.start + static_cast<std::int64_t>(bounds[part] * 60),
                            size.start + static_cast<std::int64_t>(bounds[part + 1] * 60), texts, out);
         }

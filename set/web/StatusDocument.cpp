@@ -27,7 +27,7 @@ void member(Json& json, const char* key, std::string_view text) {
     json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
-void member(Json& json, const char* key, std::size_t number) {
+void member(Json& json, const char* key, std::uint64_t number) {
     json.Key(key);
     json.Uint64(number);
 }
@@ -55,7 +55,7 @@ void writeChannel(Json& json, const Channel* channel) {
 }
 
 /// Size of what has been recorded so far; 0 while there is no file.
-std::size_t bytesOf(const std::filesystem::path& file) {
+std::uint64_t bytesOf(const std::filesystem::path& file) {
     std::error_code error;
     const std::uintmax_t bytes = std::filesystem::file_size(file, error);
     return error ? 0 : bytes;

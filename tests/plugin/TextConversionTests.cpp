@@ -327,7 +327,8 @@ TEST(Utf16ToUtf8, TakesANegativeLengthAs134217727Units) {
     constexpr std::size_t more = noLimit + 64UL;
     const RepeatedMemory source(more * 2, "\x3D\xD8\x3D\xDE", RepeatedMemory::PagesOfTheirOwn);  // pairs
     const RepeatedMemory target(more * 2, "#", RepeatedMemory::OneFile);
-    const auto* const units = reinterpret_cast<const unsigned short*>(source.data());
+    const void* const pages = source.data();  // aligned for any type
+    const auto* const units = static_cast<const unsigned short*>(pages);
     EXPECT_EQ(t_conv_UTF16_to_UTF8(units, -1, target.data(), static_cast<int>(more * 2)), noLimit / 2 * 4)
         << "the odd unit at the end is a surrogate without its partner";
 }
