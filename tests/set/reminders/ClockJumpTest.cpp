@@ -19,9 +19,9 @@ constexpr std::uint32_t hour = 3'600;
 constexpr std::uint32_t week = 7 * 86'400;
 constexpr std::uint32_t year = 365 * 86'400;
 
-constexpr std::uint32_t noon = 1'787'486'400;  // 2026-08-23T12:00:00Z, a Sunday
-constexpr std::uint32_t start = noon + 600;    // of all entries
-constexpr std::uint32_t end = start + 300;
+constexpr std::uint32_t noon = 1'787'486'400;     // 2026-08-23T12:00:00Z, a Sunday
+constexpr std::uint32_t entryStart = noon + 600;  // of all entries
+constexpr std::uint32_t entryEnd = entryStart + 300;
 constexpr int onSundays = 1;
 
 /// A view, a recording, and one that is repeated on Sundays, all from 12:10 to 12:15. The parameter is by how
@@ -34,11 +34,11 @@ protected:
             builder.addChannel(makeChannel(0, major, 0));
         useGuide(builder.finish());
         clock_.setNow(noon);
-        CRemindInfo view = manualEntry(start, end - start, CReminder::RESERVE_VIEW);
+        CRemindInfo view = manualEntry(entryStart, entryEnd - entryStart, CReminder::RESERVE_VIEW);
         view.Set(8, 0, 0, Air, 0);
         view_ = add(view);
-        record_ = add(manualEntry(start, end - start));
-        CRemindInfo weekly = manualEntry(start, end - start);
+        record_ = add(manualEntry(entryStart, entryEnd - entryStart));
+        CRemindInfo weekly = manualEntry(entryStart, entryEnd - entryStart);
         weekly.SetRepeat(CReminder::REPEAT_MANUAL, onSundays);
         weekly_ = add(weekly);
         checkAt(noon);
@@ -68,8 +68,8 @@ protected:
 
     /// The first time of the weekly entry that has not ended.
     static std::uint32_t sundayFrom(std::uint32_t now) {
-        std::uint32_t sunday = start;
-        while (sunday + (end - start) <= now)
+        std::uint32_t sunday = entryStart;
+        while (sunday + (entryEnd - entryStart) <= now)
             sunday += week;
         return sunday;
     }
@@ -90,64 +90,64 @@ TEST_P(ClockJumpTest, ForwardOverWhatIsToComeMissesItWithAWordAndKeepsWhatRepeat
     EXPECT_THAT(uidsOf(all()), ElementsAre(weekly_));
     const std::uint32_t next = sundayFrom(late);
     EXPECT_EQ(entry(weekly_).StartTime(), next);
-    checkEachSecond(next - 10, next + (end - start) + 10);
+    checkEachSecond(next - 10, next + (entryEnd - entryStart) + 10);
     EXPECT_THAT(recorder_.calls, ElementsAre(begin(weekly_, next), ended(weekly_)));
     EXPECT_EQ(entry(weekly_).StartTime(), next + week);
 }
 
 TEST_P(ClockJumpTest, ForwardAndRightAgainBringsNothingTwice) {
-    checkEachSecond(start, start + 10);
-    checkAt(start + 10 + GetParam());
-    EXPECT_THAT(recorder_.calls, UnorderedElementsAre(begin(record_, start), begin(weekly_, start),
+    checkEachSecond(entryStart, entryStart + 10);
+    checkAt(entryStart + 10 + GetParam());
+    EXPECT_THAT(recorder_.calls, UnorderedElementsAre(begin(record_, entryStart), begin(weekly_, entryStart),
                                                       ended(record_), ended(weekly_)));
-    checkEachSecond(start + 12, end + 10);
+    checkEachSecond(entryStart + 12, entryEnd + 10);
     expectEachDue(1);
     EXPECT_EQ(recorder_.calls.size(), 4U);
     EXPECT_THAT(uidsOf(all()), ElementsAre(weekly_));
-    EXPECT_EQ(entry(weekly_).StartTime(), sundayFrom(start + 10 + GetParam()));
+    EXPECT_EQ(entry(weekly_).StartTime(), sundayFrom(entryStart + 10 + GetParam()));
 }
 
 TEST_P(ClockJumpTest, BackLeavesWhatIsToComeAtItsTime) {
     checkAt(noon - GetParam());
-    const std::uint32_t sunday = start - (GetParam() / week) * week;  // by the clock as it is now
-    if (sunday != start) checkEachSecond(sunday, sunday + 10);
+    const std::uint32_t sunday = entryStart - (GetParam() / week) * week;  // by the clock as it is now
+    if (sunday != entryStart) checkEachSecond(sunday, sunday + 10);
     expectEachDue(0);
     EXPECT_THAT(uidsOf(all()), UnorderedElementsAre(view_, record_, weekly_));
     for (const unsigned long uid : {view_, record_, weekly_})
-        EXPECT_EQ(entry(uid).StartTime(), start);
+        EXPECT_EQ(entry(uid).StartTime(), entryStart);
 
-    checkEachSecond(noon, end + 10);  // right again, or gone on until then
+    checkEachSecond(noon, entryEnd + 10);  // right again, or gone on until then
     expectEachDue(1);
-    EXPECT_THAT(recorder_.calls, UnorderedElementsAre(begin(record_, start), begin(weekly_, start),
+    EXPECT_THAT(recorder_.calls, UnorderedElementsAre(begin(record_, entryStart), begin(weekly_, entryStart),
                                                       ended(record_), ended(weekly_)));
     EXPECT_EQ(window_.channel()->major, 8);
-    EXPECT_EQ(entry(weekly_).StartTime(), start + week);
+    EXPECT_EQ(entry(weekly_).StartTime(), entryStart + week);
 }
 
 TEST_P(ClockJumpTest, BackWhileTheyAreDueBringsNothingTwice) {
-    checkEachSecond(start, start + 10);
+    checkEachSecond(entryStart, entryStart + 10);
     window_.ChangeChannel(7, 0);
-    checkAt(start + 10 - GetParam());
+    checkAt(entryStart + 10 - GetParam());
     EXPECT_THAT(log_.messagesOf("set/reminders"),
                 ElementsAre(HasSubstr("went back by " + std::to_string(GetParam()) + " s")));
     EXPECT_EQ(shownTypeOf(record_), CReminder::RESERVE_RECORDING);
     EXPECT_EQ(shownTypeOf(weekly_), CReminder::RESERVE_RECORDING);
-    checkEachSecond(start - 10, end + 10);
+    checkEachSecond(entryStart - 10, entryEnd + 10);
     expectEachDue(1);
     EXPECT_EQ(window_.channel()->major, 7);
-    EXPECT_THAT(recorder_.calls, UnorderedElementsAre(begin(record_, start), begin(weekly_, start),
+    EXPECT_THAT(recorder_.calls, UnorderedElementsAre(begin(record_, entryStart), begin(weekly_, entryStart),
                                                       ended(record_), ended(weekly_)));
-    EXPECT_EQ(entry(weekly_).StartTime(), start + week);
+    EXPECT_EQ(entry(weekly_).StartTime(), entryStart + week);
 }
 
 TEST_P(ClockJumpTest, BackBehindTheirEndBringsNothingAgain) {
-    checkEachSecond(start, end);
-    checkAt(end - GetParam());
-    checkEachSecond(start - 10, end + 10);
+    checkEachSecond(entryStart, entryEnd);
+    checkAt(entryEnd - GetParam());
+    checkEachSecond(entryStart - 10, entryEnd + 10);
     expectEachDue(1);
     EXPECT_EQ(recorder_.calls.size(), 4U);
     EXPECT_THAT(uidsOf(all()), ElementsAre(weekly_));
-    EXPECT_EQ(entry(weekly_).StartTime(), start + week);
+    EXPECT_EQ(entry(weekly_).StartTime(), entryStart + week);
 }
 
 INSTANTIATE_TEST_SUITE_P(AnHourAndAYear, ClockJumpTest, ::testing::Values(hour, year));
