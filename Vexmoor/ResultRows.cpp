@@ -21,11 +21,9 @@ struct Page {
     std::int32_t emitted = 0;
     std::int32_t total = 0;
 
-    bool holdsNextRow() const {
-        return total >= startIndex && static_cast<std::int64_t>(startIndex) + itemsMax > total;
-    }
+    bool isFull() const { return static_cast<std::int64_t>(startIndex) + itemsMax <= total; }
 
-    bool isBehindNextRow() const { return static_cast<std::int64_t>(startIndex) + itemsMax <= total; }
+    bool holdsNextRow() const { return total >= startIndex && !isFull(); }
 };
 
 /// How a statement ends that lists the programmes of the whole table as they stand there.
@@ -128,7 +126,7 @@ int EpgSQLPluginVexmoor::m_getListResults(const ListStyle& style, const std::str
     for (; sqlite3_step(statement.handle()) == SQLITE_ROW; ++page.total) {
         style.readPaging(itemsMax, startIndex, page);
         if (!writesAll && !page.holdsNextRow()) {
-            if (!isCountable || !page.isBehindNextRow()) continue;
+            if (!isCountable || !page.isFull()) continue;
             const std::int32_t counted = m_countWholeTable(connection);
             if (counted <= page.total) continue;  // it could not be counted, or changes meanwhile
             page.total = counted;

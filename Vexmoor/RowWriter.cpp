@@ -1,19 +1,16 @@
 #include "Vexmoor/RowWriter.h"
 
-#include <utility>
-
 #include "Vexmoor/ColumnText.h"
 #include "Vexmoor/HeapText.h"
 #include "host/ResponseDocument.h"
 
 void EpgSQLPluginVexmoor::RowWriter::resolve(sqlite3_stmt* statement) {
-    if (m_resolved) {
+    if (!m_columns.empty()) {
         std::string unused;
         for (const std::string& name : m_unknownNames)
             m_convertColNameToUrParam(name, m_keyView, unused);  // which warns, for each row
         return;
     }
-    std::map<std::string, Column> byKey;
     const int columnCount = sqlite3_data_count(statement);
     for (int i = 0; i < columnCount; ++i) {
         const char* const columnName = sqlite3_column_name(statement, i);
@@ -22,17 +19,14 @@ void EpgSQLPluginVexmoor::RowWriter::resolve(sqlite3_stmt* statement) {
         m_convertColNameToUrParam(name, m_keyView, key);
         if (key == name) m_unknownNames.push_back(name);
         const bool isTime = name == "ProgramStartTime" || name == "ProgramEndTime";
-        byKey[key] = {.key = key, .index = i, .isTime = isTime};
+        m_columns[key] = {.index = i, .isTime = isTime};
     }
-    m_columns.reserve(byKey.size());
-    for (auto& [key, column] : byKey)
-        m_columns.push_back(std::move(column));
-    m_resolved = true;
 }
 
 void EpgSQLPluginVexmoor::RowWriter::write(void* object, sqlite3_stmt* statement) {
     resolve(statement);
-    for (const auto& [name, index, isTime] : m_columns) {
+    for (const auto& [name, column] : m_columns) {
+        const auto [index, isTime] = column;
         const char* const key = name.c_str();
         if (name == "start" || name == "end") {
             const int time =
@@ -49,7 +43,7 @@ void EpgSQLPluginVexmoor::RowWriter::write(void* object, sqlite3_stmt* statement
 
 void EpgSQLPluginVexmoor::RowWriter::read(sqlite3_stmt* statement, std::map<std::string, std::string>& row) {
     resolve(statement);
-    for (const auto& [key, index, isTime] : m_columns)
-        row[key] =
-            isTime ? std::to_string(sqlite3_column_int(statement, index)) : columnText(statement, index);
+    for (const auto& [key, column] : m_columns)
+        row[key] = column.isTime ? std::to_string(sqlite3_column_int(statement, column.index))
+                                 : columnText(statement, column.index);
 }

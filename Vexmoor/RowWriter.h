@@ -22,7 +22,6 @@ public:
 
 private:
     struct Column {
-        std::string key;
         int index;
         bool isTime;  ///< of the table: read as a number of 32 bits
     };
@@ -30,7 +29,6 @@ private:
     void resolve(sqlite3_stmt* statement);
 
     int m_keyView;
-    bool m_resolved = false;
     std::vector<std::string> m_unknownNames;  ///< of columns that stand under their own names
-    std::vector<Column> m_columns;            ///< by key; of two with the same key the later one
+    std::map<std::string, Column> m_columns;  ///< by key; of two with the same key the later one
 };

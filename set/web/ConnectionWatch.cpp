@@ -91,6 +91,7 @@ public:
         since = Clock::now();
     }
 
+    std::list<Connection>::iterator place;  ///< its own among all connections
     const int socket;
     const ClientAddress address;
     Phase phase = Phase::Waiting;
@@ -120,6 +121,7 @@ ConnectionWatch::Connection* ConnectionWatch::open(int socket, const sockaddr* a
     std::list<Connection> made;
     Connection& added = made.emplace_back(socket, clientAddressOf(address));
     const std::lock_guard lock(mutex_);
+    added.place = made.begin();  // which goes with it from list to list
     ++perAddress_[added.address];
     ++open_;
     connections_.splice(connections_.end(), made);
@@ -137,7 +139,7 @@ void ConnectionWatch::close(Connection* connection) {
     dropBody(*connection);
     forget(*connection);
     bodyBytes_ -= connection->bodyBytes;
-    connections_.remove_if([connection](const Connection& kept) { return &kept == connection; });
+    connections_.erase(connection->place);
 }
 
 void ConnectionWatch::makeRoom(Connection& newcomer) {
