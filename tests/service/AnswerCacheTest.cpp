@@ -22,6 +22,7 @@
 #include "set/web/SetRoutes.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestGuide.h"
+#include "tests/support/WebRequests.h"
 
 namespace epgset::test {
 namespace {
@@ -29,12 +30,7 @@ namespace {
 namespace fs = std::filesystem;
 
 WebRequest get(const std::string& path, const std::string& query = "", const WebHeaders& headers = {}) {
-    WebRequest request;
-    request.method = "GET";
-    request.path = path;
-    request.query = query;
-    request.headers = headers;
-    return request;
+    return webRequest("GET", path, query, "", headers);
 }
 
 WebResponse plain(const std::string& body) {

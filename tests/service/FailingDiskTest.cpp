@@ -97,6 +97,15 @@ protected:
         EXPECT_EQ(200, client_->get("/set/status").status);
     }
 
+    /// One more booking is made, and all of them are there after a restart.
+    void expectBookingsKept() {
+        EXPECT_EQ(201, send("POST", programme("21"), R"({"status":"VIEW"})"));
+        const std::string after = list();
+        EXPECT_THAT(after, HasSubstr("\"items_total\":3"));
+        restart();
+        EXPECT_EQ(after, list());
+    }
+
     TemporaryFolder folder_;
     std::optional<EpghostProcess> process_;
     std::optional<HttpClient> client_;
@@ -121,11 +130,7 @@ TEST_P(DiskWithError, RefusesChangesAndKeepsEarlierBookings) {
     fail();
     expectChangesRefused();
     recover();
-    EXPECT_EQ(201, send("POST", programme("21"), R"({"status":"VIEW"})"));
-    EXPECT_THAT(list(), HasSubstr("\"items_total\":3"));
-    const std::string after = list();
-    restart();
-    EXPECT_EQ(after, list());
+    expectBookingsKept();
 }
 
 TEST_P(DiskWithError, KeepsEarlierBookingsOverAStopWhileItFails) {
@@ -164,11 +169,7 @@ TEST_F(VanishedFolder, RefusesChangesUntilItIsBackAndKeepsEarlierBookings) {
     expectChangesRefused();
     EXPECT_TRUE(process_->waitForError("the file is gone")) << process_->errors();
     recover();
-    EXPECT_EQ(201, send("POST", programme("21"), R"({"status":"VIEW"})"));
-    const std::string after = list();
-    restart();
-    EXPECT_EQ(after, list());
-    EXPECT_THAT(after, HasSubstr("\"items_total\":3"));
+    expectBookingsKept();
 }
 
 TEST_F(VanishedFolder, TakesNoChangesIntoAFileThatStandsInItsPlace) {
@@ -209,11 +210,7 @@ TEST_F(FullDisk, RefusesChangesWhenItIsFullAndKeepsEarlierBookings) {
     fail();
     expectChangesRefused();
     recover();
-    EXPECT_EQ(201, send("POST", programme("21"), R"({"status":"VIEW"})"));
-    const std::string after = list();
-    restart();
-    EXPECT_EQ(after, list());
-    EXPECT_THAT(after, HasSubstr("\"items_total\":3"));
+    expectBookingsKept();
 }
 
 }  // namespace

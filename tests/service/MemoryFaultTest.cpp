@@ -28,12 +28,6 @@ namespace {
 
 using epgtest::AllocationFault;
 
-#if defined(__SANITIZE_ADDRESS__)
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() {
-    return "leak:xmlTextWriterStartElement\n";  // as below
-}
-#endif
-
 constexpr AllocationFault::Extent extents[] = {AllocationFault::One, AllocationFault::AndAllAfter};
 
 /// What a client sees of an answer.

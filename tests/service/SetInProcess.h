@@ -13,6 +13,7 @@
 #include "set/web/SetRoutes.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestGuide.h"
+#include "tests/support/WebRequests.h"
 
 namespace epgset::test {
 
@@ -91,19 +92,5 @@ private:
     std::optional<PluginHost> host_;
     std::optional<SetRoutes> routes_;
 };
-
-/// A request as the web server hands it on.
-inline WebRequest webRequest(const std::string& method, const std::string& path,
-                             const std::string& query = "", const std::string& body = "",
-                             const WebHeaders& headers = {}) {
-    WebRequest request;
-    request.method = method;
-    request.path = path;
-    request.query = query;
-    request.body = body;
-    request.bodyLength = static_cast<std::int64_t>(body.size());
-    request.headers = headers;
-    return request;
-}
 
 }  // namespace epgset::test

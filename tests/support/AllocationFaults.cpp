@@ -6,19 +6,13 @@
 #include <cstdlib>
 #include <new>
 
-// Under a sanitizer its allocator goes on to be the one that is used, so that it sees every mistake.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define EPG_ALLOCATOR(name) __interceptor_##name
-#else
-#define EPG_ALLOCATOR(name) __libc_##name
-#endif
-
+// The C library's own. The operators new and delete of the C++ library come by what stands before them here.
 extern "C" {
-void* EPG_ALLOCATOR(malloc)(std::size_t bytes);
-void* EPG_ALLOCATOR(calloc)(std::size_t count, std::size_t bytes);
-void* EPG_ALLOCATOR(realloc)(void* block, std::size_t bytes);
-void* EPG_ALLOCATOR(memalign)(std::size_t alignment, std::size_t bytes);
-void EPG_ALLOCATOR(free)(void* block);
+void* __libc_malloc(std::size_t bytes);
+void* __libc_calloc(std::size_t count, std::size_t bytes);
+void* __libc_realloc(void* block, std::size_t bytes);
+void* __libc_memalign(std::size_t alignment, std::size_t bytes);
+void __libc_free(void* block);
 }
 
 namespace {
@@ -50,23 +44,23 @@ void* counted(void* block) noexcept {
 extern "C" {
 
 void* malloc(std::size_t bytes) noexcept {
-    return fails() ? nullptr : counted(EPG_ALLOCATOR(malloc)(bytes));
+    return fails() ? nullptr : counted(__libc_malloc(bytes));
 }
 
 void* calloc(std::size_t count, std::size_t bytes) noexcept {
-    return fails() ? nullptr : counted(EPG_ALLOCATOR(calloc)(count, bytes));
+    return fails() ? nullptr : counted(__libc_calloc(count, bytes));
 }
 
 void* realloc(void* block, std::size_t bytes) noexcept {
     if (fails()) return nullptr;
-    void* const moved = EPG_ALLOCATOR(realloc)(block, bytes);
+    void* const moved = __libc_realloc(block, bytes);
     if (block == nullptr) return counted(moved);
     if (moved == nullptr && bytes == 0) outstanding.fetch_sub(1, std::memory_order_relaxed);
     return moved;
 }
 
 void* memalign(std::size_t alignment, std::size_t bytes) noexcept {
-    return fails() ? nullptr : counted(EPG_ALLOCATOR(memalign)(alignment, bytes));
+    return fails() ? nullptr : counted(__libc_memalign(alignment, bytes));
 }
 
 void* aligned_alloc(std::size_t alignment, std::size_t bytes) noexcept {
@@ -82,53 +76,8 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t bytes) noexc
 
 void free(void* block) noexcept {
     if (block != nullptr) outstanding.fetch_sub(1, std::memory_order_relaxed);
-    EPG_ALLOCATOR(free)(block);
+    __libc_free(block);
 }
-}
-
-// A sanitizer's own operator new would not come by here.
-void* operator new(std::size_t bytes) {
-    void* const block = std::malloc(bytes == 0 ? 1 : bytes);
-    if (block == nullptr) throw std::bad_alloc();
-    return block;
-}
-void* operator new[](std::size_t bytes) {
-    return operator new(bytes);
-}
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
-    return std::malloc(bytes == 0 ? 1 : bytes);
-}
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
-    return std::malloc(bytes == 0 ? 1 : bytes);
-}
-void* operator new(std::size_t bytes, std::align_val_t alignment) {
-    void* const block = memalign(static_cast<std::size_t>(alignment), bytes);
-    if (block == nullptr) throw std::bad_alloc();
-    return block;
-}
-void operator delete(void* block, std::align_val_t) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
-    std::free(block);
-}
-void operator delete(void* block) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block, std::size_t) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
 }
 #pragma GCC visibility pop
 

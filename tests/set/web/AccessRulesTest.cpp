@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/WebRequests.h"
 
 namespace epgset {
 namespace {
@@ -16,11 +17,7 @@ using ::testing::HasSubstr;
 const std::string secret = "0123456789abcdef";
 
 WebRequest request(const std::string& path, const WebHeaders& headers, const std::string& method = "GET") {
-    WebRequest request;
-    request.method = method;
-    request.path = path;
-    request.headers = headers;
-    return request;
+    return test::webRequest(method, path, "", "", headers);
 }
 
 /// The status that the rules answer with; 200 for what they let through.

@@ -84,6 +84,14 @@ protected:
         return {answer, steady_clock::now() - begun};
     }
 
+    /// The same with a time of one second, when it is refused.
+    static void expectRefusedAfterASecond(RawConnection& connection) {
+        const auto [answer, time] = trickle(connection);
+        EXPECT_EQ(408, statusOf(answer));
+        EXPECT_GE(time, std::chrono::milliseconds(900));
+        EXPECT_LT(time, seconds(5));
+    }
+
     LogCapture log_{Container::Logger::Warning};
     Answers answers_;
     std::string url_;
@@ -142,10 +150,7 @@ TEST_F(HttpServerLimits, AnswerAHeadThatTakesTooLongWith408) {
     serve(brief);
     const auto connection = connect();
     connection->send("GET / HTTP/1.1\r\nX: ");
-    const auto [answer, time] = trickle(*connection);
-    EXPECT_EQ(408, statusOf(answer));
-    EXPECT_GE(time, std::chrono::milliseconds(900));
-    EXPECT_LT(time, seconds(5));
+    expectRefusedAfterASecond(*connection);
 }
 
 TEST_F(HttpServerLimits, CountAHeadsTimeFromItsFirstByte) {
@@ -165,10 +170,7 @@ TEST_F(HttpServerLimits, AnswerABodyThatTakesTooLongWith408) {
     serve(brief);
     const auto connection = connect();
     connection->send("PUT /turn HTTP/1.1\r\nHost: x\r\nContent-Length: 1000000\r\n\r\n");
-    const auto [answer, time] = trickle(*connection);
-    EXPECT_EQ(408, statusOf(answer));
-    EXPECT_GE(time, std::chrono::milliseconds(900));
-    EXPECT_LT(time, seconds(5));
+    expectRefusedAfterASecond(*connection);
 }
 
 TEST_F(HttpServerLimits, EndAConnectionWhoseClientGoesOnAfterItWasRefused) {

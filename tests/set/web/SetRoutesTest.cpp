@@ -12,6 +12,7 @@
 #include "set/recorder/Recordings.h"
 #include "set/web/PluginLibrary.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/WebRequests.h"
 
 namespace epgset {
 namespace {
@@ -23,11 +24,7 @@ class SetRoutesTest : public ::testing::Test {
 protected:
     WebResponse request(const std::string& method, const std::string& path, const std::string& query = "",
                         const WebHeaders& headers = {}) {
-        WebRequest sent;
-        sent.method = method;
-        sent.path = path;
-        sent.query = query;
-        sent.headers = headers;
+        const WebRequest sent = test::webRequest(method, path, query, "", headers);
         auto atOnce = routes_.answerAtOnce(sent);
         return atOnce ? *atOnce : routes_.answerInTurn(sent);
     }
