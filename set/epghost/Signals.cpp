@@ -42,7 +42,9 @@ Command waitForCommand(std::chrono::milliseconds limit) {
     const sigset_t set = handledSignals();
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(limit);
     const std::chrono::nanoseconds rest = limit - seconds;
-    const timespec wait = {seconds.count(), rest.count()};
+    timespec wait{};
+    wait.tv_sec = static_cast<std::time_t>(seconds.count());
+    wait.tv_nsec = static_cast<long>(rest.count());
     const int signal = sigtimedwait(&set, nullptr, &wait);
     if (signal < 0) return Command::Nothing;
     return signal == SIGHUP ? Command::Reload : Command::Stop;

@@ -15,9 +15,13 @@ using ClientAddress = std::array<unsigned char, 16>;
 inline ClientAddress clientAddressOf(const sockaddr* address) {
     ClientAddress bytes{};
     if (address != nullptr && address->sa_family == AF_INET) {
-        std::memcpy(bytes.data() + 12, &reinterpret_cast<const sockaddr_in*>(address)->sin_addr, 4);
+        sockaddr_in version4{};
+        std::memcpy(&version4, address, sizeof version4);
+        std::memcpy(bytes.data() + 12, &version4.sin_addr, 4);
     } else if (address != nullptr && address->sa_family == AF_INET6) {
-        std::memcpy(bytes.data(), &reinterpret_cast<const sockaddr_in6*>(address)->sin6_addr, bytes.size());
+        sockaddr_in6 version6{};
+        std::memcpy(&version6, address, sizeof version6);
+        std::memcpy(bytes.data(), &version6.sin6_addr, bytes.size());
     }
     return bytes;
 }

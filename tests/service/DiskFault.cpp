@@ -1,6 +1,10 @@
 // A disk that does not take what is written, for a process into which this library is loaded before others:
 // while the file named by EPG_DISK_FAULT exists, writing to regular files fails with the error number that
 // it holds.
+
+// Functions of 32 and of 64 bits under their own names, whatever the build takes for off_t.
+#undef _FILE_OFFSET_BITS
+#undef _TIME_BITS
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -39,7 +39,7 @@ Packet packetOf(std::uint64_t number) {
 void copyStream(std::uint64_t position, char* out, std::size_t count) {
     while (count > 0) {
         const Packet packet = packetOf(position / packetOf(0).size());
-        const std::size_t within = position % packet.size();
+        const auto within = static_cast<std::size_t>(position % packet.size());
         const std::size_t part = std::min(count, packet.size() - within);
         std::memcpy(out, packet.data() + within, part);
         position += part;
@@ -178,7 +178,7 @@ private:
             const auto due = static_cast<std::uint64_t>(std::chrono::duration<double>(age).count() *
                                                         static_cast<double>(rate.load()));
             if (due > position && !silent) {
-                const std::size_t count = std::min<std::uint64_t>(maximum, due - position);
+                const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(maximum, due - position));
                 send(connection, position, out, count);
                 return static_cast<ssize_t>(count);
             }
@@ -254,7 +254,7 @@ std::vector<StreamServer::Run> StreamServer::sent() const {
 }
 
 std::string StreamServer::bytesOf(const Run& run) {
-    std::string bytes(run.bytes, '\0');
+    std::string bytes(static_cast<std::size_t>(run.bytes), '\0');
     copyStream(run.firstPacket * packetBytes, bytes.data(), bytes.size());
     return bytes;
 }
