@@ -100,7 +100,10 @@ TEST(SampleGuide, HasTextsAsLongAsRealOnes) {
         synopses += programme.synopsis.size();
         without += programme.synopsis.empty() ? 1 : 0;
         episodes += programme.series.empty() ? 0 : 1;
-        notAscii += std::ranges::any_of(programme.title, [](char c) { return static_cast<unsigned char>(c) > 127; }) ? 1 : 0;
+        notAscii +=
+            std::ranges::any_of(programme.title, [](char c) { return static_cast<unsigned char>(c) > 127; })
+                ? 1
+                : 0;
     }
     const std::size_t count = guide->programmes().size();
     EXPECT_GT(titles / count, 12U);
