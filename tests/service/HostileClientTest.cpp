@@ -21,6 +21,7 @@
 #include "tests/service/ServerProcess.h"
 #include "tests/service/ServiceFixture.h"
 #include "tests/support/RawConnection.h"
+#include "tests/support/ReceivedBytes.h"
 
 namespace epgset::test {
 namespace {
@@ -134,6 +135,7 @@ protected:
 };
 
 TEST_F(HostileClients, SendHeadersByteByByte) {
+    if (!countsReceivedBytes()) GTEST_SKIP() << "a head's first byte is not seen here";
     withstand("headers byte by byte", [] {
         const Connections slow = connectMany(120, "GET /ws/epg2/channels HTTP/1.1\r\nHost: localhost\r\nX: ");
         EXPECT_EQ(120U, trickle(slow).count(408));

@@ -1,14 +1,9 @@
 // What clients may take of the server, and what those get that take more.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <linux/tcp.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <cstddef>
 #include <future>
 #include <memory>
 #include <string>
@@ -19,6 +14,7 @@
 #include "set/web/HttpServer.h"
 #include "tests/support/HttpClient.h"
 #include "tests/support/RawConnection.h"
+#include "tests/support/ReceivedBytes.h"
 
 namespace epgset {
 namespace {
@@ -149,18 +145,8 @@ TEST_F(HttpServerLimits, EndANewConnectionWhereNoneWaits) {
     EXPECT_EQ(200, statusOf(queued->receiveUntil("turn\n")));
 }
 
-/// Whether the system says how many bytes a socket has received; qemu, when it runs a program, does not.
-bool countsReceivedBytes() {
-    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-    tcp_info info{};
-    socklen_t length = sizeof info;
-    const bool told = getsockopt(socket, IPPROTO_TCP, TCP_INFO, &info, &length) == 0;
-    close(socket);
-    return told && length >= offsetof(tcp_info, tcpi_bytes_received) + sizeof info.tcpi_bytes_received;
-}
-
 TEST_F(HttpServerLimits, AnswerAHeadThatTakesTooLongWith408) {
-    if (!countsReceivedBytes()) GTEST_SKIP() << "a head's first byte is not seen here";
+    if (!test::countsReceivedBytes()) GTEST_SKIP() << "a head's first byte is not seen here";
     HttpServer::Limits brief;
     brief.headTime = seconds(1);
     serve(brief);
