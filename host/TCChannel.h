@@ -20,6 +20,8 @@ public:
     explicit TCChannel(std::shared_ptr<const epgset::Channel> channel);
     TCChannel(const TCChannel&) = default;
     TCChannel& operator=(const TCChannel&) = default;
+    TCChannel(TCChannel&&) = default;
+    TCChannel& operator=(TCChannel&&) = default;
     virtual ~TCChannel();
 
     /// Middleware objects come from the middleware's own allocator; null when it has no memory.
@@ -36,6 +38,9 @@ public:
     int ServiceType() const;              ///< the low byte counts: 0 ALL to 7 ANALOG
     std::uint16_t PTC() const;            ///< physical transmission channel
     std::uint16_t ProgramNumber() const;  ///< number of the service in its transport stream
+
+    /// What the channel was filled with; null when empty. For the middleware itself.
+    const epgset::Channel* SourceChannel() const { return m_channel.get(); }
 
     /// Length of the name in bytes; below 1 when there is none.
     virtual int GetChannelNameLength() const;

@@ -16,11 +16,14 @@ std::span<const Channel> Guide::channelsOf(int tvMode) const {
     return {first, last};
 }
 
-const Channel* Guide::find(int tvMode, int major, int minor) const {
+const Channel* Guide::find(int tvMode, int major, int minor, std::size_t guess) const {
     const std::uint64_t wanted = channelNumber(tvMode, major, minor);
-    const auto found = std::lower_bound(numbers_.begin(), numbers_.end(), wanted);
-    if (found == numbers_.end() || *found != wanted) return nullptr;
-    const Channel& channel = channels_[static_cast<std::size_t>(found - numbers_.begin())];
+    if (guess >= numbers_.size() || numbers_[guess] != wanted) {
+        const auto found = std::lower_bound(numbers_.begin(), numbers_.end(), wanted);
+        if (found == numbers_.end() || *found != wanted) return nullptr;
+        guess = static_cast<std::size_t>(found - numbers_.begin());
+    }
+    const Channel& channel = channels_[guess];
     return channel.tvMode == tvMode && channel.major == major && channel.minor == minor ? &channel : nullptr;
 }
 

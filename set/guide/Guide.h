@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -58,8 +59,15 @@ public:
     /// The channels of one reception mode; none for a mode that has none.
     std::span<const Channel> channelsOf(int tvMode) const;
 
-    /// The channel of exactly that number, or null; owned by the guide.
-    const Channel* find(int tvMode, int major, int minor) const;
+    /// The channel of exactly that number, or null; owned by the guide. `guess` is the place in channels()
+    /// where it is looked for first.
+    const Channel* find(int tvMode, int major, int minor, std::size_t guess = 0) const;
+
+    /// Whether a channel is one of channels() and not one of another guide's.
+    bool holds(const Channel* channel) const {
+        return std::less_equal<>()(channels_.data(), channel) &&
+               std::less<>()(channel, channels_.data() + channels_.size());
+    }
 
     /// How many programmes were left out because the cache has a bound.
     std::size_t programmesDropped() const { return programmesDropped_; }

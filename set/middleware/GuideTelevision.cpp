@@ -30,7 +30,8 @@ public:
 
     void Make(int index, std::optional<TCChannelKey>& key) const override {
         const Channel& channel = channels_[static_cast<std::size_t>(index)];
-        key.emplace(sourceType_, channel.major, channel.minor);
+        key.emplace(sourceType_, channel.major, channel.minor,
+                    static_cast<int>(&channel - guide_->channels().data()));
     }
 
 private:
@@ -115,7 +116,8 @@ int GuideTelevision::ExistChannel(const TCChannelKey* pKey, TCChannel* pChannel,
     if (mode < 0) return 0;
     std::shared_ptr<const Guide> guide = currentGuide();
     const int tvMode = receptionModes()[static_cast<std::size_t>(mode)].tvMode;
-    const Channel* channel = guide->find(tvMode, pKey->Major(), pKey->Minor());
+    const auto place = static_cast<std::size_t>(pKey->Place());
+    const Channel* channel = guide->find(tvMode, pKey->Major(), pKey->Minor(), place);
     if (!channel) return 0;
     *pChannel = TCChannel(std::shared_ptr<const Channel>(std::move(guide), channel));
     return 1;
@@ -125,7 +127,8 @@ int GuideTelevision::GetProgramList(CCSortedList* list, const TCChannel* channel
                                     long long duration) {
     list->Create();
     std::shared_ptr<const Guide> guide = currentGuide();
-    const Channel* known = guide->find(channel->TvMode(), channel->Major(), channel->Minor());
+    const Channel* known = channel->SourceChannel();
+    if (!guide->holds(known)) known = guide->find(channel->TvMode(), channel->Major(), channel->Minor());
     if (!known) return 0;
     const std::span<const Programme> programmes = guide->programmesOf(*known);
     list->Fill(programmesWithin(std::move(guide), programmes, start, duration));

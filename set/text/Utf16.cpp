@@ -126,6 +126,16 @@ std::string utf8FromUtf16(std::span<const unsigned short> units, std::endian ord
     std::string text;
     text.reserve(units.size());
     for (std::size_t index = 0; index < units.size(); ++index) {
+        // Most texts are ASCII for the most part.
+        const std::size_t begin = index;
+        while (index < units.size() && unitAt(index) < 0x80)
+            ++index;
+        const std::size_t written = text.size();
+        text.resize(written + (index - begin));
+        for (std::size_t place = begin; place < index; ++place)
+            text[written + (place - begin)] = static_cast<char>(unitAt(place));
+        if (index == units.size()) break;
+
         const char32_t unit = unitAt(index);
         if (isHighSurrogate(unit) && index + 1 < units.size() && isLowSurrogate(unitAt(index + 1))) {
             ++index;
