@@ -271,7 +271,7 @@ TEST_F(ScheduleCollection, TunesAtOnceToWhatIsOn) {
 
 TEST_F(ScheduleCollection, ShowsWhatOverlapsAndStoresNothing) {
     EXPECT_CALL(store, GetOverlappingRemindItems)
-        .WillOnce([this](const CRemindInfo& info, std::vector<CRemindInfo>& items) {
+        .WillOnce([](const CRemindInfo& info, std::vector<CRemindInfo>& items) {
             EXPECT_EQ(info.StartTime(), comingStart);
             EXPECT_EQ(info.Duration(), 1800U);
             items = {entry(5)};
