@@ -1,6 +1,6 @@
 #include "set/guide/WhiteSpace.h"
 
-#include <algorithm>
+#include <cstddef>
 
 namespace epgset {
 namespace {
@@ -12,15 +12,20 @@ bool isSpace(char c) {
 }  // namespace
 
 std::string withCollapsedSpace(std::string_view text) {
-    std::string collapsed;
-    collapsed.reserve(text.size());
-    for (auto at = text.begin();;) {
-        const auto word = std::find_if_not(at, text.end(), isSpace);
-        if (word == text.end()) return collapsed;
-        at = std::find_if(word, text.end(), isSpace);
-        if (!collapsed.empty()) collapsed += ' ';
-        collapsed.append(word, at);
+    std::string collapsed(text.size(), '\0');
+    char* end = collapsed.data();
+    bool apart = false;  // from the word before
+    for (const char c : text) {
+        if (isSpace(c)) {
+            apart = end != collapsed.data();
+            continue;
+        }
+        if (apart) *end++ = ' ';
+        apart = false;
+        *end++ = c;
     }
+    collapsed.resize(static_cast<std::size_t>(end - collapsed.data()));
+    return collapsed;
 }
 
 }  // namespace epgset
