@@ -66,21 +66,21 @@ std::string conditionTerm(const std::string& column, const std::string& value) {
 void EpgSQLPluginVexmoor::m_getColNamesFrmQueryParam(const std::string& value,
                                                      std::list<std::string>& columns, int view) {
     if (contains(value, "id")) {
-        if (view == ChannelView) columns.push_back("ChannelId");
-        if (view == ProgramView) columns.push_back("EventId");
+        if (view == ChannelView) columns.emplace_back("ChannelId");
+        if (view == ProgramView) columns.emplace_back("EventId");
     }
     if (hasOwnName(value)) {
-        if (view == ChannelView) columns.push_back("ChannelName");
-        if (view == ProgramView) columns.push_back("ProgramName");
+        if (view == ChannelView) columns.emplace_back("ChannelName");
+        if (view == ProgramView) columns.emplace_back("ProgramName");
     }
-    if (contains(value, "channel_name")) columns.push_back("ChannelName");
-    if (contains(value, "channel_num")) columns.push_back("ChannelNumber");
-    if (contains(value, "antenna")) columns.push_back("AntennaType");
-    if (contains(value, "scrambled")) columns.push_back("ScrambledFlag");
-    if (contains(value, "service_type")) columns.push_back("ServiceType");
-    if (contains(value, "program_name")) columns.push_back("ProgramName");
-    if (contains(value, "start")) columns.push_back("ProgramStartTime");
-    if (contains(value, "end")) columns.push_back("ProgramEndTime");
+    if (contains(value, "channel_name")) columns.emplace_back("ChannelName");
+    if (contains(value, "channel_num")) columns.emplace_back("ChannelNumber");
+    if (contains(value, "antenna")) columns.emplace_back("AntennaType");
+    if (contains(value, "scrambled")) columns.emplace_back("ScrambledFlag");
+    if (contains(value, "service_type")) columns.emplace_back("ServiceType");
+    if (contains(value, "program_name")) columns.emplace_back("ProgramName");
+    if (contains(value, "start")) columns.emplace_back("ProgramStartTime");
+    if (contains(value, "end")) columns.emplace_back("ProgramEndTime");
 }
 
 int EpgSQLPluginVexmoor::m_getSqlSelectCols(std::string& sql, const ParameterMap& parameters, int view) {

@@ -1,5 +1,7 @@
 #include "Vexmoor/ImportBatch.h"
 
+#include <utility>
+
 #include "host/DomainException.h"
 #include "host/Statement.h"
 
@@ -23,7 +25,7 @@ void runOrRaise(const std::string& sql, const Container::SharedPtr<Connection>& 
 }
 
 ImportBatch::ImportBatch(Container::SharedPtr<Connection> connection)
-    : m_connection(connection), m_begins(!isOpen()) {
+    : m_connection(std::move(connection)), m_begins(!isOpen()) {
     currentBatch = this;
 }
 

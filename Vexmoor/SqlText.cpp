@@ -108,7 +108,7 @@ void EpgSQLPluginVexmoor::m_getCreateTblSql(std::string templateText, std::strin
     m_extractColsFrmQuery(templateText, &names);
     std::list<std::string> definitions;
     for (const std::string& name : names)
-        definitions.push_back(definitionOf(name));
+        definitions.emplace_back(definitionOf(name));
     m_formatCreateSql(definitions, sql, table);
 }
 

@@ -23,7 +23,7 @@ public:
         char digits[16];
         const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
         const char* from = digits;
-        std::size_t length = static_cast<std::size_t>(end - from);
+        auto length = static_cast<std::size_t>(end - from);
         if (number < 0) {
             add(from++, 1);
             --length;

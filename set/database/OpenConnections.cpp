@@ -22,7 +22,7 @@ struct OpenConnections {
 };
 
 OpenConnections& openConnections() {
-    static OpenConnections* const connections = new OpenConnections;
+    static auto* const connections = new OpenConnections;
     return *connections;
 }
 

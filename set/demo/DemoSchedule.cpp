@@ -11,7 +11,7 @@ constexpr bool fillsDays(std::span<const DemoSlot> slots) {
     int minutes = 0;
     for (const DemoSlot& slot : slots)
         minutes += slot.minutes;
-    return minutesADay % minutes == 0;
+    return minutes > 0 && minutesADay % minutes == 0;
 }
 
 constexpr DemoSlot general[] = {

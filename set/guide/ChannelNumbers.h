@@ -17,7 +17,7 @@ struct ChannelNumber {
     std::int16_t major = 0;
     std::int16_t minor = 0;
 
-    auto operator<=>(const ChannelNumber&) const = default;
+    auto operator<=>(const ChannelNumber&) const = default;  // NOLINT(modernize-use-nullptr): not of ours
 };
 
 /// Reads N, N-M or N.M; nothing for another form and for numbers that no channel can have.

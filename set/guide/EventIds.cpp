@@ -110,7 +110,7 @@ std::optional<std::pair<std::uint32_t, std::uint16_t>> readEntry(std::string_vie
 
 }  // namespace
 
-EventIds::EventIds(const std::filesystem::path& stateFolder) : folder_(stateFolder) {
+EventIds::EventIds(std::filesystem::path stateFolder) : folder_(std::move(stateFolder)) {
     load();
 }
 

@@ -25,7 +25,7 @@ public:
 
     /// Remembers in the file "event-ids" of a folder, which need not exist yet. Reads that file; a line of it
     /// that is not as save() writes it is passed over and logged. Throws GuideError when it cannot be read.
-    explicit EventIds(const std::filesystem::path& stateFolder);
+    explicit EventIds(std::filesystem::path stateFolder);
 
     /// Begins with the channels of another guide: what is not assigned from now on is no longer in the guide.
     void startGuide() { ++guide_; }

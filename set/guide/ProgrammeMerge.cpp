@@ -1,6 +1,7 @@
 #include "set/guide/ProgrammeMerge.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <limits>
 #include <map>
 #include <optional>
@@ -41,9 +42,10 @@ CollectedProgramme resolve(std::span<const CollectedProgramme> rivals, TextPool&
     const CollectedProgramme& last = rivals.back();
     std::map<std::uint16_t, const CollectedProgramme*> parts;
     // Parts stand together: what comes before something that is not of the same clump counts no more.
-    for (auto rival = rivals.rbegin(); rival != rivals.rend(); ++rival) {
-        if (last.clump.count < 2 || rival->clump.count != last.clump.count) break;
-        parts.try_emplace(rival->clump.index, &*rival);
+    for (std::size_t place = rivals.size(); place-- > 0;) {
+        const CollectedProgramme& rival = rivals[place];
+        if (last.clump.count < 2 || rival.clump.count != last.clump.count) break;
+        parts.try_emplace(rival.clump.index, &rival);
     }
     return parts.size() < 2 ? last : joined(parts, texts);
 }

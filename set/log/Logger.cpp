@@ -28,7 +28,7 @@ struct LoggingState {
 };
 
 LoggingState& loggingState() {
-    static LoggingState* const state = new LoggingState;
+    static auto* const state = new LoggingState;
     return *state;
 }
 
