@@ -15,6 +15,7 @@
 namespace {
 
 constexpr const char* scheduleIdPrefix = "sch_id_";
+constexpr std::size_t longestProgramId = 25;  // characters; longer ones are cut
 constexpr long long noEnd = 4294967295LL;
 constexpr long long fourHours = 14400;
 
@@ -50,10 +51,18 @@ void visitAllDigitalChannels(Visit visit) {
     }
 }
 
+/// Whether one of the channel's programmes may have that identifier: theirs are all alike but for the event
+/// id at the end. A text so long that it may have been cut does not tell.
+bool mayHaveProgram(const TCChannel& channel, const char* program_id) {
+    const HeapText any(t_get_program_id2(channel.TvMode(), channel.Major(), channel.Minor(), 0));
+    const std::size_t length = any ? std::strlen(any.get()) : longestProgramId;
+    return length >= longestProgramId || std::strncmp(any.get(), program_id, length - 1) == 0;
+}
+
 /// A copy of the channel's programme of that identifier; null when it has none.
 std::unique_ptr<TCProgram> findProgram(TCChannel& channel, const char* program_id) {
     const ProgramList programs(t_get_cached_program_list(&channel, 0, 0));
-    if (!programs) return nullptr;
+    if (!programs || !mayHaveProgram(channel, program_id)) return nullptr;
     for (bool more = programs->Seek(CCSortedList::First, 0); more && programs->Data() != nullptr;
          more = programs->Seek(CCSortedList::Current, 1)) {
         const HeapText id(t_get_program_id(&channel, programs->Data()));
