@@ -102,7 +102,8 @@ void warmUp(PluginHost& plugin) {
 }
 
 AccessSettings accessSettings(const Options& options) {
-    AccessSettings settings{options.hostNames, options.allowedOrigins, options.token};
+    AccessSettings settings{options.hostNames, options.allowedOrigins, options.token,
+                            !options.tlsCert.empty()};
     settings.hostNames.push_back(options.listen);
     return settings;
 }

@@ -163,9 +163,10 @@ WebResponse AccessRules::login(const WebRequest& request) const {
     response.status = 303;
     setHeader(response.headers, "Location", "/");
     setHeader(response.headers, "Cache-Control", "no-store");
-    setHeader(
-        response.headers, "Set-Cookie",
-        std::string(cookieName) + "=" + token + "; Path=/; HttpOnly; SameSite=Strict; Max-Age=31536000");
+    std::string cookie =
+        std::string(cookieName) + "=" + token + "; Path=/; HttpOnly; SameSite=Strict; Max-Age=31536000";
+    if (settings_.encrypted) cookie += "; Secure";
+    setHeader(response.headers, "Set-Cookie", cookie);
     return response;
 }
 

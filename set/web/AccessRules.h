@@ -15,6 +15,7 @@ struct AccessSettings {
     std::vector<std::string> hostNames;       ///< names that the set is called by
     std::vector<std::string> allowedOrigins;  ///< of other sites' pages, such as "http://tablet.example:3000"
     std::string token;                        ///< empty: none is asked for
+    bool encrypted = false;                   ///< served by HTTPS: the cookie goes nowhere else
 };
 
 /// Whether the value of a Host header is an address, "localhost" or one of the names, with a port or without.

@@ -12,6 +12,7 @@
 namespace epgset {
 namespace {
 
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
 const std::string secret = "0123456789abcdef";
@@ -142,6 +143,13 @@ TEST(AccessRules, GiveACookieForTheToken) {
         EXPECT_EQ(rules.answer(form)->status, 401) << body;
     }
     EXPECT_EQ(AccessRules({}).login(form).status, 404);
+}
+
+TEST(AccessRules, KeepTheCookieToHttpsWhereThatIsServed) {
+    WebRequest form = request("/set/login", {}, "POST");
+    form.body = "token=" + secret;
+    EXPECT_THAT(headerValue(AccessRules({{}, {}, secret, true}).login(form).headers, "Set-Cookie"),
+                EndsWith("; Secure"));
 }
 
 TEST(Token, IsTheFirstLineOfItsFile) {
