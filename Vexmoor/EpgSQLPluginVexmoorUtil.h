@@ -129,6 +129,9 @@ char* t_get_channel_num(TCChannel* channel);
 char* t_get_channel_path(TCChannel* channel);
 char* t_get_channel_name(TCChannel* channel);
 
+/// Bytes of a programme's identifier with its NUL; a longer one is cut.
+inline constexpr std::size_t programIdBytes = 26;
+
 /// "pid-%03d-%d-%d-%d"; the minor number stands there always, without its sign.
 char* t_get_program_id2(int tvmode, int major, int minor, int event_id);
 char* t_get_program_id(TCChannel* channel, TCProgram* program);

@@ -1,6 +1,7 @@
 // Finding middleware objects: by number, by identifier, by time.
 //
-// Identifiers are not decoded: the cache is walked and each candidate's identifier compared.
+// Identifiers are not decoded: the cache is walked and each candidate's identifier compared, a programme's
+// when its channel's part fits.
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -15,7 +16,6 @@
 namespace {
 
 constexpr const char* scheduleIdPrefix = "sch_id_";
-constexpr std::size_t longestProgramId = 25;  // characters; longer ones are cut
 constexpr long long noEnd = 4294967295LL;
 constexpr long long fourHours = 14400;
 
@@ -55,13 +55,14 @@ void visitAllDigitalChannels(Visit visit) {
 /// id at the end. A text so long that it may have been cut does not tell.
 bool mayHaveProgram(const TCChannel& channel, const char* program_id) {
     const HeapText any(t_get_program_id2(channel.TvMode(), channel.Major(), channel.Minor(), 0));
-    const std::size_t length = any ? std::strlen(any.get()) : longestProgramId;
-    return length >= longestProgramId || std::strncmp(any.get(), program_id, length - 1) == 0;
+    const std::size_t length = any ? std::strlen(any.get()) : programIdBytes;
+    return length + 1 >= programIdBytes || std::strncmp(any.get(), program_id, length - 1) == 0;
 }
 
 /// A copy of the channel's programme of that identifier; null when it has none.
 std::unique_ptr<TCProgram> findProgram(TCChannel& channel, const char* program_id) {
     const ProgramList programs(t_get_cached_program_list(&channel, 0, 0));
+    // The list is asked for all the same: the middleware is walked through channel by channel.
     if (!programs || !mayHaveProgram(channel, program_id)) return nullptr;
     for (bool more = programs->Seek(CCSortedList::First, 0); more && programs->Data() != nullptr;
          more = programs->Seek(CCSortedList::Current, 1)) {

@@ -173,7 +173,7 @@ char* t_get_channel_name(TCChannel* channel) {
 // Programmes ------------------------------------------------------------------------------------------
 
 char* t_get_program_id2(int tvmode, int major, int minor, int event_id) {
-    TextBuilder id(26);
+    TextBuilder id(programIdBytes);
     id.add("pid-").add(tvmode, 3).add("-").add(major).add("-").add(absolute(minor)).add("-").add(event_id);
     return id.release();
 }

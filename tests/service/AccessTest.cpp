@@ -3,9 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "tests/service/ServiceFixture.h"
+#include "tests/support/Certificate.h"
 
 namespace epgset::test {
 namespace {
+
+using ::testing::EndsWith;
+using ::testing::StartsWith;
 
 TEST(Access, IsRefusedToAForeignNameAndToOtherSitesPages) {
     RunningSet set(
@@ -35,6 +39,20 @@ TEST(Access, TakesTheTokenWhereOneIsAskedFor) {
     const std::string cookie = login.header("set-cookie");
     EXPECT_EQ(200, client.get("/set/status", {"Cookie: " + cookie.substr(0, cookie.find(';'))}).status);
     EXPECT_EQ(401, client.send("POST", "/set/login", "token=wrong").status);
+}
+
+TEST(Access, GivesACookieForHttpsAloneWhereThatIsServed) {
+    const TemporaryFolder folder;
+    const std::string token = "0123456789abcdef";
+    const CertificateFiles files = makeCertificate(folder);
+    RunningSet set({"--guide", smallGuide, "--token", folder.write("token", token + "\n").string(),
+                    "--tls-cert", files.certificate, "--tls-key", files.key});
+    EXPECT_THAT(set.url(), StartsWith("https://127.0.0.1:"));
+    HttpClient client(set.url());
+    client.trust(files.certificate);
+    const std::string cookie = client.send("POST", "/set/login", "token=" + token).header("set-cookie");
+    EXPECT_THAT(cookie, EndsWith("; Secure"));
+    EXPECT_EQ(200, client.get("/set/status", {"Cookie: " + cookie.substr(0, cookie.find(';'))}).status);
 }
 
 }  // namespace

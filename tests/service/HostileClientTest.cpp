@@ -21,7 +21,6 @@
 #include "tests/service/ServerProcess.h"
 #include "tests/service/ServiceFixture.h"
 #include "tests/support/RawConnection.h"
-#include "tests/support/ReceivedBytes.h"
 
 namespace epgset::test {
 namespace {
@@ -135,7 +134,9 @@ protected:
 };
 
 TEST_F(HostileClients, SendHeadersByteByByte) {
-    if (!countsReceivedBytes()) GTEST_SKIP() << "a head's first byte is not seen here";
+#ifdef EPG_EMULATED
+    GTEST_SKIP() << "the emulator does not tell what a socket has received, so a head's first byte is not seen";
+#endif
     withstand("headers byte by byte", [] {
         const Connections slow = connectMany(120, "GET /ws/epg2/channels HTTP/1.1\r\nHost: localhost\r\nX: ");
         EXPECT_EQ(120U, trickle(slow).count(408));

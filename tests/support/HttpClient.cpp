@@ -111,6 +111,7 @@ HttpAnswer HttpClient::perform(const std::string& method, const std::string& tar
     curl_easy_reset(curl);
     curl_easy_setopt(curl, CURLOPT_URL, (base_ + target).c_str());
     if (!from_.empty()) curl_easy_setopt(curl, CURLOPT_INTERFACE, ("host!" + from_).c_str());
+    if (!certificateFile_.empty()) curl_easy_setopt(curl, CURLOPT_CAINFO, certificateFile_.c_str());
     curl_easy_setopt(curl, CURLOPT_PATH_AS_IS, 1L);
     curl_easy_setopt(curl, CURLOPT_NOPROXY, "*");
     curl_easy_setopt(curl, CURLOPT_TIMEOUT, 60L);

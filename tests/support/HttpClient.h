@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace epgset::test {
@@ -33,6 +34,9 @@ public:
     HttpClient(const HttpClient&) = delete;
     HttpClient& operator=(const HttpClient&) = delete;
 
+    /// Trusts a server that has the certificate of this PEM file, and no other.
+    void trust(std::string certificateFile) { certificateFile_ = std::move(certificateFile); }
+
     /// Sends a request; `target` is sent as it stands and begins with "/".
     HttpAnswer request(const std::string& method, const std::string& target, const Headers& headers = {});
 
@@ -58,6 +62,7 @@ private:
     struct Handle;
     std::string base_;
     std::string from_;
+    std::string certificateFile_;  ///< empty: the system's
     std::unique_ptr<Handle> handle_;
     long connectionsMade_ = 0;
 };

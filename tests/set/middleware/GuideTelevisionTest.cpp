@@ -166,6 +166,23 @@ TEST(GuideTelevision, LeavesTheChannelAloneThatTheLineUpDoesNotHold) {
     EXPECT_EQ(channel.Major(), 1);
 }
 
+TEST(GuideTelevision, FindsAChannelWhereverItsKeySaysThatItStood) {
+    GuideBuilder builder;
+    builder.addChannel(makeChannel(air, 1, 0));
+    builder.addChannel(makeChannel(air, 2, 0));
+    builder.addChannel(makeChannel(satellite, 2, 0));
+    const GuideInUse use(builder.finish());
+    for (const int place : {0, 1, 2, 3, 1000, -1}) {
+        const TCChannelKey key(airSource, 2, 0, place);
+        TCChannel channel;
+        ASSERT_EQ(g_pAppTV->ExistChannel(&key, &channel, 0), 1) << place;
+        EXPECT_EQ(channel.TvMode(), air) << place;
+        EXPECT_EQ(channel.Major(), 2) << place;
+        const TCChannelKey gone(airSource, 3, 0, place);
+        EXPECT_EQ(g_pAppTV->ExistChannel(&gone, &channel, 0), 0) << place;
+    }
+}
+
 TEST(GuideTelevision, ListsAllProgrammesOfAChannel) {
     const GuideInUse use(hourlyGuide());
     EXPECT_THAT(startsOf(channelOf(airSource, 1, 0), 0, whole), ElementsAre(0, 3600, 7200));

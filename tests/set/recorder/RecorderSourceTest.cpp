@@ -1,10 +1,10 @@
 // What a recording makes of its source.
 #include <sys/stat.h>
 
-#include <cstdlib>
 
 #include "set/recorder/Recorder.h"
 #include "tests/set/recorder/RecorderFixture.h"
+#include "tests/support/Certificate.h"
 
 namespace epgset {
 namespace {
@@ -154,14 +154,7 @@ TEST_F(RecorderSourceTest, IsNotSentToAFileByASource) {
 }
 
 TEST_F(RecorderSourceTest, TrustsNoServerThatNobodyVouchesFor) {
-    const std::string key = (temporary_.path() / "key.pem").string();
-    const std::string certificate = (temporary_.path() / "certificate.pem").string();
-    const std::string command =
-        "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 1 -subj "
-        "/CN=127.0.0.1 -addext "
-        "subjectAltName=IP:127.0.0.1 -keyout " +
-        key + " -out " + certificate + " >/dev/null 2>&1";
-    ASSERT_EQ(std::system(command.c_str()), 0);
+    const auto [key, certificate] = test::makeCertificate(temporary_);
     const StreamServer server({contentOf(key), contentOf(certificate)});
     ASSERT_TRUE(recorder().begin(order(17, server.url())));
     ASSERT_TRUE(eventually([this] { return !Note(note(17)).text("latest_trouble").empty(); }));

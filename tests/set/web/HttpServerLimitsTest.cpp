@@ -14,7 +14,6 @@
 #include "set/web/HttpServer.h"
 #include "tests/support/HttpClient.h"
 #include "tests/support/RawConnection.h"
-#include "tests/support/ReceivedBytes.h"
 
 namespace epgset {
 namespace {
@@ -146,7 +145,9 @@ TEST_F(HttpServerLimits, EndANewConnectionWhereNoneWaits) {
 }
 
 TEST_F(HttpServerLimits, AnswerAHeadThatTakesTooLongWith408) {
-    if (!test::countsReceivedBytes()) GTEST_SKIP() << "a head's first byte is not seen here";
+#ifdef EPG_EMULATED
+    GTEST_SKIP() << "the emulator does not tell what a socket has received, so a head's first byte is not seen";
+#endif
     HttpServer::Limits brief;
     brief.headTime = seconds(1);
     serve(brief);
