@@ -80,10 +80,6 @@ private:
 };
 
 void appendUtf8(std::string& text, char32_t character) {
-    if (character < 0x80) {
-        text.push_back(static_cast<char>(character));
-        return;
-    }
     std::array<utf8proc_uint8_t, 4> bytes{};
     const auto length = utf8proc_encode_char(static_cast<utf8proc_int32_t>(character), bytes.data());
     text.append(reinterpret_cast<const char*>(bytes.data()), static_cast<std::size_t>(length));

@@ -34,10 +34,11 @@ bool sameWord(std::string_view one, std::string_view other) {
 /// are.
 std::string_view withoutPort(std::string_view host) {
     const bool bracketed = host.starts_with('[');
-    if (bracketed && host.find(']') == std::string_view::npos) return {};
-    const auto end = std::min(host.find(bracketed ? ']' : ':'), host.size());
-    const std::string_view name = bracketed ? host.substr(1, end - 1) : host.substr(0, end);
-    std::string_view port = host.substr(std::min(bracketed ? end + 1 : end, host.size()));
+    if (bracketed) host.remove_prefix(1);
+    const auto end = host.find(bracketed ? ']' : ':');
+    const std::string_view name = host.substr(0, end);
+    if (end == std::string_view::npos) return bracketed ? std::string_view() : name;
+    std::string_view port = host.substr(bracketed ? end + 1 : end);
     if (port.empty()) return name;
     if (!port.starts_with(':')) return {};
     port.remove_prefix(1);

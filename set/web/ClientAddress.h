@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 
 #include <array>
+#include <cstddef>
 #include <cstring>
 
 namespace epgset {
@@ -14,14 +15,11 @@ using ClientAddress = std::array<unsigned char, 16>;
 
 inline ClientAddress clientAddressOf(const sockaddr* address) {
     ClientAddress bytes{};
+    const auto* const given = reinterpret_cast<const unsigned char*>(address);
     if (address != nullptr && address->sa_family == AF_INET) {
-        sockaddr_in version4{};
-        std::memcpy(&version4, address, sizeof version4);
-        std::memcpy(bytes.data() + 12, &version4.sin_addr, 4);
+        std::memcpy(bytes.data() + 12, given + offsetof(sockaddr_in, sin_addr), 4);
     } else if (address != nullptr && address->sa_family == AF_INET6) {
-        sockaddr_in6 version6{};
-        std::memcpy(&version6, address, sizeof version6);
-        std::memcpy(bytes.data(), &version6.sin6_addr, bytes.size());
+        std::memcpy(bytes.data(), given + offsetof(sockaddr_in6, sin6_addr), bytes.size());
     }
     return bytes;
 }

@@ -73,20 +73,19 @@ protected:
         return statusOf(connection.receiveUntil("now\n")) == 200;
     }
 
-    /// What a client gets that sends a byte every now and then until it is answered, and how long that takes.
-    static std::pair<std::string, steady_clock::duration> trickle(RawConnection& connection) {
+    /// Serves with a limit of one second, which a client exceeds that begins with `first` and then sends a
+    /// byte every now and then.
+    void expectRefusedAfterASecond(const HttpServer::Limits& limits, const char* first) {
+        serve(limits);
+        const auto connection = connect();
+        connection->send(first);
         const auto begun = steady_clock::now();
         std::string answer;
         while (answer.empty() && steady_clock::now() - begun < seconds(10)) {
-            connection.send("x");
-            answer = connection.receiveAll(std::chrono::milliseconds(50));
+            connection->send("x");
+            answer = connection->receiveAll(std::chrono::milliseconds(50));
         }
-        return {answer, steady_clock::now() - begun};
-    }
-
-    /// The same with a time of one second, when it is refused.
-    static void expectRefusedAfterASecond(RawConnection& connection) {
-        const auto [answer, time] = trickle(connection);
+        const auto time = steady_clock::now() - begun;
         EXPECT_EQ(408, statusOf(answer));
         EXPECT_GE(time, std::chrono::milliseconds(900));
         EXPECT_LT(time, seconds(5));
@@ -146,14 +145,12 @@ TEST_F(HttpServerLimits, EndANewConnectionWhereNoneWaits) {
 
 TEST_F(HttpServerLimits, AnswerAHeadThatTakesTooLongWith408) {
 #ifdef EPG_EMULATED
-    GTEST_SKIP() << "the emulator does not tell what a socket has received, so a head's first byte is not seen";
+    GTEST_SKIP()
+        << "the emulator does not tell what a socket has received, so a head's first byte is not seen";
 #endif
     HttpServer::Limits brief;
     brief.headTime = seconds(1);
-    serve(brief);
-    const auto connection = connect();
-    connection->send("GET / HTTP/1.1\r\nX: ");
-    expectRefusedAfterASecond(*connection);
+    expectRefusedAfterASecond(brief, "GET / HTTP/1.1\r\nX: ");
 }
 
 TEST_F(HttpServerLimits, CountAHeadsTimeFromItsFirstByte) {
@@ -170,10 +167,7 @@ TEST_F(HttpServerLimits, CountAHeadsTimeFromItsFirstByte) {
 TEST_F(HttpServerLimits, AnswerABodyThatTakesTooLongWith408) {
     HttpServer::Limits brief;
     brief.bodyTime = seconds(1);
-    serve(brief);
-    const auto connection = connect();
-    connection->send("PUT /turn HTTP/1.1\r\nHost: x\r\nContent-Length: 1000000\r\n\r\n");
-    expectRefusedAfterASecond(*connection);
+    expectRefusedAfterASecond(brief, "PUT /turn HTTP/1.1\r\nHost: x\r\nContent-Length: 1000000\r\n\r\n");
 }
 
 TEST_F(HttpServerLimits, EndAConnectionWhoseClientGoesOnAfterItWasRefused) {
