@@ -7,12 +7,12 @@
 #include "fuzz/Require.h"
 #include "fuzz/Service.h"
 #include "fuzz/Target.h"
+#include "set/database/SqliteMemory.h"
 
 namespace epgfuzz {
 namespace {
 
 constexpr std::size_t mostStatements = 5;
-constexpr sqlite3_int64 heapLimit = 256 * 1024 * 1024;
 constexpr int maximumPages = 5120;
 
 /// All bytes as escapes.
@@ -53,7 +53,7 @@ void checkDatabase(sqlite3* database, std::string_view sql) {
             "the database stays in memory", sql);
     require(sqlite3_get_autocommit(database) != 0, "no transaction stays open", sql);
     require(!isBusy(database), "no statement stays at work", sql);
-    require(sqlite3_memory_used() < heapLimit, "SQLite stays within its memory", sql);
+    require(epgset::sqliteMemoryUsed() <= epgset::mostSqliteMemory, "SQLite stays within its memory", sql);
     require(number(database, "SELECT count(*) FROM sqlite_temp_schema") == 0, "nothing temporary is made",
             sql);
     require(number(database, "PRAGMA page_count") <= maximumPages, "the database stays within its pages",

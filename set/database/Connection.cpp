@@ -6,6 +6,7 @@
 #include "set/database/DatabaseGuard.h"
 #include "set/database/OpenConnections.h"
 #include "set/database/SearchScore.h"
+#include "set/database/SqliteMemory.h"
 #include "set/database/StatementCache.h"
 
 namespace {
@@ -36,6 +37,7 @@ bool Connection::open(const std::string& name) {
         logger.error("Cannot open database %s: its name holds a NUL", name);
         return false;
     }
+    epgset::boundSqliteMemory();
     sqlite3* opened = nullptr;
     constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX;
     int code = sqlite3_open_v2(name.c_str(), &opened, flags, nullptr);

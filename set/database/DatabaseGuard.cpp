@@ -146,9 +146,10 @@ int configure(sqlite3* database) {
         if (const int code = sqlite3_db_config(database, option, value, nullptr); code != SQLITE_OK)
             return code;
     }
-    // No temporary file: what VACUUM and sorting need stays in memory, under the heap limit.
-    if (const int code = sqlite3_exec(database, "PRAGMA temp_store = MEMORY", nullptr, nullptr, nullptr);
-        code != SQLITE_OK)
+    // No temporary file: what VACUUM and sorting need stays in memory, under the bound of SQLite's memory.
+    // And what is dropped is not overwritten first: nobody could read it.
+    constexpr const char* pragmas = "PRAGMA temp_store = MEMORY; PRAGMA secure_delete = OFF";
+    if (const int code = sqlite3_exec(database, pragmas, nullptr, nullptr, nullptr); code != SQLITE_OK)
         return code;
     const char* keptModules[] = {"json_each", "json_tree", nullptr};
     return sqlite3_drop_modules(database, keptModules);
@@ -161,10 +162,8 @@ std::uint64_t tablesMade() {
 }
 
 int guardDatabase(sqlite3* database) {
-    constexpr sqlite3_int64 heapLimit = 256 * 1024 * 1024;
     // Small enough that slow functions on large values are noticed in time, too large to be felt.
     constexpr int instructionsBetweenChecks = 100;
-    sqlite3_hard_heap_limit64(heapLimit);
     if (const int code = configure(database); code != SQLITE_OK) return code;
     if (const int code = boundExpensiveFunctions(database); code != SQLITE_OK) return code;
     setLimits(database);

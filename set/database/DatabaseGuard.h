@@ -12,8 +12,7 @@ namespace epgset {
 ///  - no PRAGMA but those that read the schema, and "max_page_size = 1024", "max_page_count = 5120";
 ///  - a value of 4 MiB, an SQL text of 1 MiB, an expression depth of 200, 50 compound terms at most;
 ///  - an end to a statement whose time is up (DatabaseRequest), and no function call that could go on
-///    for long without looking at the time (ExpensiveFunctions);
-///  - 256 MiB for everything that SQLite holds in the process.
+///    for long without looking at the time (ExpensiveFunctions).
 /// Each refusal is one line of the log. Plain VACUUM works.
 int guardDatabase(sqlite3* database);
 

@@ -2,9 +2,12 @@
 
 #include <new>
 
+#include "set/database/SqliteMemory.h"
+
 namespace epgset {
 
 OwnDatabase::OwnDatabase(const std::filesystem::path& file) : name_(file.string()) {
+    boundSqliteMemory();
     sqlite3* opened = nullptr;
     constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX;
     const int code = sqlite3_open_v2(name_.c_str(), &opened, flags, nullptr);
