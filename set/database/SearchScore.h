@@ -6,16 +6,26 @@
 #include <string>
 #include <string_view>
 
+#include "set/database/SearchFolding.h"
+
 namespace epgset {
 
 /// How well a text matches what is searched for.
 enum SearchScore { NoMatch = 0, MatchInside = 1, MatchAtWordStart = 2, MatchWhole = 3 };
 
-/// `text` as it is compared: case folded, accents taken off. Bytes that are not UTF-8 stay as they are.
-std::string foldedForSearch(std::string_view text);
+/// A search for one text in many.
+class Search {
+public:
+    /// The text to search for, as somebody typed it. What holds nothing but accents matches nothing.
+    explicit Search(std::string_view text) : needle_(foldedForSearch(text)) {}
 
-/// The best match of a needle, folded already, in a text of any kind. An empty needle matches nothing.
-SearchScore searchScore(std::string_view text, std::string_view foldedNeedle);
+    /// The best match in a text of any kind. Not const: the folded text takes its place in memory each time.
+    SearchScore scoreOf(std::string_view text);
+
+private:
+    std::string needle_;
+    std::string folded_;
+};
 
 /// Registers SEARCH_SCORE(column, text) and answers SQLite's result code. The function answers a
 /// SearchScore; 0 when either argument is NULL.
