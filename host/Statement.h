@@ -45,5 +45,6 @@ private:
     sqlite3_stmt* m_handle = nullptr;
     bool m_concernsRowsAlone = false;
     std::string m_sql;
+    std::string m_row;  ///< texts that parameters of the prepared statement are bound to
     Container::SharedPtr<Connection> m_connection;
 };

@@ -1,6 +1,7 @@
 #include "host/Statement.h"
 
 #include <climits>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -8,6 +9,7 @@
 #include "set/database/DatabaseFaults.h"
 #include "set/database/DatabaseGuard.h"
 #include "set/database/DatabaseRequest.h"
+#include "set/database/InsertText.h"
 #include "set/database/StatementCache.h"
 #include "set/database/StatementText.h"
 
@@ -45,11 +47,13 @@ void reportRunError(sqlite3_stmt* statement) {
     const ConnectionLock lock(database);
     const int code = sqlite3_reset(statement);
     if (code == SQLITE_OK) return;
+    // With what is bound to its parameters. Null without memory for it.
+    const std::unique_ptr<char, decltype(&sqlite3_free)> text(sqlite3_expanded_sql(statement), &sqlite3_free);
     const char* const message = sqlite3_errmsg(database);
     epgset::noteDatabaseError(message);
     // An interruption was logged when it happened.
-    if (code != SQLITE_INTERRUPT)
-        logger.warning("An SQL statement failed: %s: %s", message, sqlite3_sql(statement));
+    if (code == SQLITE_INTERRUPT) return;
+    logger.warning("An SQL statement failed: %s: %s", message, text ? text.get() : sqlite3_sql(statement));
 }
 
 /// Whether SQLite's reading ended at a NUL inside the text and not behind a statement's ";".
@@ -57,39 +61,56 @@ bool endsAtNul(const std::string& sql, std::size_t read) {
     return read < sql.size() && sql[read] == '\0' && (read == 0 || sql[read - 1] != ';');
 }
 
-/// Compiles the first statement of `sql`, or takes it as kept. Answers how much of the text it took, and all
-/// of it, with a null `statement`, when that failed.
-std::size_t compileFirst(sqlite3* database, epgset::StatementCache& kept, const std::string& sql,
-                         sqlite3_stmt*& statement, bool& concernsRowsAlone) {
-    statement = nullptr;
+struct Compiled {
+    sqlite3_stmt* statement = nullptr;
+    bool concernsRowsAlone = false;
+    std::size_t read = 0;  ///< how much of the text it took
+    int code = SQLITE_OK;
+};
+
+/// Compiles the first statement of a text, or takes it as kept.
+Compiled takeOrCompile(sqlite3* database, epgset::StatementCache& kept, const std::string& sql) {
+    if (sqlite3_stmt* const statement = kept.take(sql)) return {statement, true, sql.size()};
+    Compiled compiled;
+    const char* tail = sql.c_str();
+    const epgset::TextCompilation compilation;
+    // With the terminating NUL counted in, SQLite makes no copy of the text.
+    compiled.code = sqlite3_prepare_v2(database, sql.c_str(), static_cast<int>(sql.size() + 1),
+                                       &compiled.statement, &tail);
+    compiled.concernsRowsAlone = compilation.concernsRowsAlone();
+    compiled.read = static_cast<std::size_t>(tail - sql.c_str());
+    return compiled;
+}
+
+/// Has `row` hold the texts of an INSERT, and the compiled statement's parameters refer to it.
+void bindRow(epgset::InsertText& insert, Compiled& compiled, std::string& row) {
+    row = insert.takeRow();
+    compiled.code = insert.bind(compiled.statement, row);
+    if (compiled.code != SQLITE_OK) sqlite3_finalize(std::exchange(compiled.statement, nullptr));
+}
+
+/// Compiles the first statement of `sql`; one without a handle took all of the text. Texts that it refers to
+/// are put into `row`, which must stay as it is until the statement is closed.
+Compiled compileFirst(sqlite3* database, epgset::StatementCache& kept, const std::string& sql,
+                      std::string& row) {
     if (sql.size() >= INT_MAX) {
         reportCompileError(sqlite3_errstr(SQLITE_TOOBIG), "(a text of more than 2 GiB)");
-        return sql.size();
+        return {nullptr, false, sql.size()};
     }
+    auto insert = epgset::InsertText::of(sql);
     const ConnectionLock lock(database);
-    statement = kept.take(sql);
-    concernsRowsAlone = statement != nullptr;
-    if (statement) return sql.size();
-    const char* tail = nullptr;
-    int code;
-    {
-        const epgset::TextCompilation compilation;
-        // With the terminating NUL counted in, SQLite makes no copy of the text.
-        code = sqlite3_prepare_v2(database, sql.c_str(), static_cast<int>(sql.size() + 1), &statement, &tail);
-        concernsRowsAlone = compilation.concernsRowsAlone();
-    }
-    if (code != SQLITE_OK) {
+    Compiled compiled = takeOrCompile(database, kept, insert ? insert->withParameters() : sql);
+    if (insert && compiled.statement) bindRow(*insert, compiled, row);
+    if (compiled.code != SQLITE_OK) {
         reportCompileError(sqlite3_errmsg(database), sql);
-        return sql.size();
-    }
-    const auto read = static_cast<std::size_t>(tail - sql.c_str());
-    if (endsAtNul(sql, read)) {
-        sqlite3_finalize(std::exchange(statement, nullptr));
+    } else if (!insert && endsAtNul(sql, compiled.read)) {
+        sqlite3_finalize(std::exchange(compiled.statement, nullptr));
         reportCompileError("a NUL byte in the text", sql);
-        return sql.size();
+    } else if (compiled.statement && !compiled.concernsRowsAlone) {
+        kept.clear();
     }
-    if (statement && !concernsRowsAlone) kept.clear();
-    return statement ? read : sql.size();
+    if (insert || !compiled.statement) compiled.read = sql.size();
+    return compiled;
 }
 
 /// Ends a statement that has been reset and belongs to the open connection of `kept`.
@@ -122,9 +143,11 @@ void Statement::compile() {
         return;
     }
     epgset::beginStatementTime();
-    const std::size_t read =
-        compileFirst(database, *m_connection->m_kept, sql, m_handle, m_concernsRowsAlone);
-    const std::size_t next = read + epgset::nextStatement(std::string_view(sql).substr(read));
+    const Compiled compiled = compileFirst(database, *m_connection->m_kept, sql, m_row);
+    m_handle = compiled.statement;
+    m_concernsRowsAlone = compiled.concernsRowsAlone;
+    const std::size_t next =
+        compiled.read + epgset::nextStatement(std::string_view(sql).substr(compiled.read));
     if (next < sql.size()) m_sql = sql.substr(next);
 }
 

@@ -23,8 +23,11 @@ public:
     std::vector<std::string> statements;
 
 private:
-    static int keep(unsigned, void* self, void*, void* text) {
-        static_cast<SqlTrace*>(self)->statements.emplace_back(static_cast<const char*>(text));
+    static int keep(unsigned, void* self, void* statement, void*) {
+        // With what is bound to its parameters.
+        char* const text = sqlite3_expanded_sql(static_cast<sqlite3_stmt*>(statement));
+        static_cast<SqlTrace*>(self)->statements.emplace_back(text);
+        sqlite3_free(text);
         return 0;
     }
 
