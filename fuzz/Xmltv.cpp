@@ -40,7 +40,7 @@ void checkProgrammes(std::span<const Programme> programmes) {
         require(programme.eventId != 0 && ids.insert(programme.eventId).second, "an id is its channel's own");
         require(programme.start <= programme.stop, "a programme ends after it starts", programme.title);
         checkText(programme.title, epgset::kLongestName);
-        checkText(programme.synopsis, epgset::kLongestSynopsis);
+        checkText(programme.synopsis.text(), epgset::kLongestSynopsis);
     }
     require(std::ranges::is_sorted(programmes, std::ranges::less_equal(), &Programme::start),
             "no two programmes of a channel start at once");

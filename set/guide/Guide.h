@@ -10,6 +10,9 @@
 #include <string_view>
 #include <vector>
 
+#include "set/guide/Synopsis.h"
+#include "set/guide/TextArchive.h"
+
 namespace epgset {
 
 /// One channel of the line-up.
@@ -39,7 +42,7 @@ struct Programme {
     std::uint16_t eventId = 0;  ///< 1 to 65535, unique within its channel
     bool scrambled = false;
     std::string_view title;
-    std::string_view synopsis;
+    Synopsis synopsis;
     std::string_view series;  ///< title of its series; empty when it is in none
 };
 
@@ -78,7 +81,8 @@ private:
     std::vector<Channel> channels_;
     std::vector<std::uint64_t> numbers_;  ///< of the channels: what find() goes by, close together in memory
     std::vector<Programme> programmes_;
-    std::vector<std::unique_ptr<char[]>> texts_;  ///< what the programmes' texts point into
+    std::vector<std::unique_ptr<char[]>> texts_;  ///< what the programmes' titles point into
+    TextArchive synopses_;                        ///< what their synopses do
     std::size_t programmesDropped_ = 0;
 };
 

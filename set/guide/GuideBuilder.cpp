@@ -4,9 +4,11 @@
 #include <numeric>
 #include <stdexcept>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include "set/guide/ChannelOrder.h"
+#include "set/guide/TextArchiveWriter.h"
 
 namespace epgset {
 namespace {
@@ -29,6 +31,31 @@ std::vector<std::uint32_t> sortChannels(std::vector<Channel>& channels) {
     return newIndex;
 }
 
+/// Puts the synopses of programmes into `archive`, in their order, each text once. A pool keeps what the
+/// programmes hold, so that the same text is at the same place.
+void archiveSynopses(std::vector<Programme>& programmes, TextArchive& archive) {
+    TextArchiveWriter writer;
+    std::unordered_map<const char*, TextArchive::Place> places;
+    for (Programme& programme : programmes) {
+        const std::string_view text = programme.synopsis.plain().value();
+        if (text.empty()) continue;
+        const auto [known, isNew] = places.try_emplace(text.data());
+        if (isNew) known->second = writer.add(text);
+        programme.synopsis = Synopsis(archive, known->second);
+    }
+    archive = writer.finish();
+}
+
+/// Copies the titles of programmes, each once, and answers what they lie in from here on.
+TextPool::Blocks copyTitles(std::vector<Programme>& programmes) {
+    TextPool titles;
+    for (Programme& programme : programmes) {
+        programme.title = titles.add(programme.title);
+        programme.series = titles.add(programme.series);
+    }
+    return titles.takeBlocks();
+}
+
 }  // namespace
 
 std::size_t GuideBuilder::addChannel(Channel channel) {
@@ -47,7 +74,7 @@ void GuideBuilder::addProgramme(std::size_t channel, const ProgrammeDraft& progr
     added.eventId = programme.eventId;
     added.scrambled = programme.scrambled;
     added.title = texts_.add(programme.title);
-    added.synopsis = texts_.add(programme.synopsis);
+    added.synopsis = Synopsis(texts_.add(programme.synopsis));
     added.series = texts_.add(programme.series);
     programmes_.push_back(added);
 }
@@ -75,7 +102,9 @@ std::shared_ptr<const Guide> GuideBuilder::finish() {
 
     guide->channels_ = std::exchange(channels_, {});
     guide->programmes_ = std::exchange(programmes_, {});
-    guide->texts_ = texts_.takeBlocks();
+    guide->texts_ = copyTitles(guide->programmes_);
+    archiveSynopses(guide->programmes_, guide->synopses_);
+    texts_ = TextPool();
     guide->programmesDropped_ = std::exchange(programmesDropped_, 0);
     return guide;
 }

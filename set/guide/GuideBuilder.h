@@ -13,8 +13,9 @@
 
 namespace epgset {
 
-/// Collects channels and programmes in any order and makes a Guide of them: sorted, texts in a few
-/// large blocks. Numbers, times and ids are taken as given; who reads a guide file sees to them.
+/// Collects channels and programmes in any order and makes a Guide of them: sorted, titles in a few large
+/// blocks, synopses compressed. Numbers, times and ids are taken as given; who reads a guide file sees to
+/// them.
 class GuideBuilder {
 public:
     /// A programme as it is added; the texts are copied.

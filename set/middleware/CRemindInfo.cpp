@@ -89,6 +89,6 @@ void CRemindInfo::CopyDetailsInto(TCProgram& program) const {
     details->programme.stop = details->programme.start + m_duration;
     details->programme.eventId = static_cast<std::uint16_t>(m_eventId);
     details->programme.title = details->title;
-    details->programme.synopsis = details->synopsis;
+    details->programme.synopsis = epgset::Synopsis(details->synopsis);
     program = TCProgram(std::shared_ptr<const epgset::Programme>(details, &details->programme));
 }

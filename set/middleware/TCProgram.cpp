@@ -52,11 +52,11 @@ int TCProgram::GetTitle(void* buffer, int bytes) const {
 }
 
 int TCProgram::ExtendedTextLength() const {
-    return m_programme ? lengthInBytes(m_programme->synopsis) : 0;
+    return m_programme ? lengthInBytes(m_programme->synopsis.text()) : 0;
 }
 
 int TCProgram::GetExtendedText(void* buffer, int bytes) const {
-    return m_programme ? copyText(m_programme->synopsis, buffer, bytes) : 0;
+    return m_programme ? copyText(m_programme->synopsis.text(), buffer, bytes) : 0;
 }
 
 int TCProgram::GetSeriesInfo(TTSeriesItem& item, int /*reserved*/) const {

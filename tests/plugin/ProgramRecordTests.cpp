@@ -28,7 +28,7 @@ protected:
     }
     static std::optional<std::string> synopsis(const std::string& text) {
         auto programme = plainProgramme();
-        programme.synopsis = text;
+        programme.synopsis = epgset::Synopsis(text);
         TCProgram middlewareProgramme = middleware(programme);
         return taken(t_get_program_sysnopsis(&middlewareProgramme));
     }

@@ -35,7 +35,8 @@ std::string lineOf(const Guide& of, const Programme& programme) {
                                        std::uint32_t{programme.scrambled}}) {
         line += "|" + std::to_string(number);
     }
-    for (const std::string_view text : {programme.title, programme.synopsis, programme.series}) {
+    const std::string synopsis = programme.synopsis.text();
+    for (const std::string_view text : {programme.title, std::string_view(synopsis), programme.series}) {
         line += "|" + std::string(text);
     }
     return line;
@@ -193,7 +194,7 @@ TEST(DemoGuide, HasTextsThatNeedCare) {
     EXPECT_TRUE(anyTitle([](std::string_view title) { return title.find('\'') != title.npos; }));
     EXPECT_TRUE(anyTitle([](std::string_view title) { return title.find('&') != title.npos; }));
     EXPECT_TRUE(std::ranges::any_of(guide()->programmes(), [](const Programme& programme) {
-        return hasUnit(programme.synopsis, 0xD800, 0xDBFF);  // a pair of surrogates
+        return hasUnit(programme.synopsis.text(), 0xD800, 0xDBFF);  // a pair of surrogates
     }));
 }
 
@@ -202,7 +203,7 @@ TEST(DemoGuide, HasATitleAndASynopsisForEverything) {
         ASSERT_FALSE(programme.title.empty());
         ASSERT_FALSE(programme.synopsis.empty());
         ASSERT_TRUE(isCleanUtf8(programme.title, Utf8Repertoire::Xml));
-        ASSERT_TRUE(isCleanUtf8(programme.synopsis, Utf8Repertoire::Xml));
+        ASSERT_TRUE(isCleanUtf8(programme.synopsis.text(), Utf8Repertoire::Xml));
     }
 }
 

@@ -97,7 +97,7 @@ TEST(SampleGuide, HasTextsAsLongAsRealOnes) {
     for (const Programme& programme : guide->programmes()) {
         EXPECT_FALSE(programme.title.empty());
         titles += programme.title.size();
-        synopses += programme.synopsis.size();
+        synopses += programme.synopsis.text().size();
         without += programme.synopsis.empty() ? 1 : 0;
         episodes += programme.series.empty() ? 0 : 1;
         notAscii +=

@@ -110,7 +110,7 @@ TEST(GuideBuilder, KeepsTextsBeyondTheirSourceAndEachOnce) {
     EXPECT_EQ(programmes[0].title, "A title");
     EXPECT_EQ(programmes[0].series.data(), programmes[0].title.data());
     EXPECT_EQ(programmes[1].title.data(), programmes[0].title.data());
-    EXPECT_EQ(programmes[0].synopsis, longText);
+    EXPECT_EQ(programmes[0].synopsis.text(), longText);
     EXPECT_TRUE(programmes[1].synopsis.empty());
 }
 

@@ -96,7 +96,7 @@ TEST_F(GuideProgrammes, OfAClumpAreOne) {
         programme("a", time + "clumpidx='0/3' stop='20260823010000'", "A", "<desc>first</desc>") +
         programme("a", time + "clumpidx='2/3'", "C"));
     EXPECT_THAT(schedule(guide), ElementsAre("0-3600 A / B / C"));
-    EXPECT_EQ(guide.programmes()[0].synopsis, "first");
+    EXPECT_EQ(guide.programmes()[0].synopsis.text(), "first");
     EXPECT_EQ(guide.programmes()[0].series, "A / B / C");
 }
 
@@ -178,10 +178,10 @@ TEST_F(GuideProgrammes, WithTextsThatAreTooLongKeepTheirBeginning) {
                   "<desc>" + std::string(65536, 'y') + "</desc>"));
     EXPECT_EQ(guide.programmes()[0].title, std::string(4096, 't'));
     EXPECT_EQ(guide.programmes()[0].series, std::string(4096, 't'));
-    EXPECT_EQ(guide.programmes()[0].synopsis, std::string(65536, 't'));
+    EXPECT_EQ(guide.programmes()[0].synopsis.text(), std::string(65536, 't'));
     EXPECT_EQ(guide.programmes()[1].title, std::string(4095, 'x'));
     EXPECT_EQ(guide.programmes()[2].title.size(), 4096U);
-    EXPECT_EQ(guide.programmes()[2].synopsis.size(), 65536U);
+    EXPECT_EQ(guide.programmes()[2].synopsis.text().size(), 65536U);
     EXPECT_THAT(warnings(), ElementsAre(HasSubstr("guide0.xml: cut 3 texts that are too long")));
 }
 
@@ -247,7 +247,7 @@ TEST_F(GuideProgrammes, KeepTheirTextsHoweverManyOthersTheBoundLeavesOut) {
         const std::string name =
             loaded.channels()[programme.channel].id.substr(1) + "/" + std::to_string(programme.start);
         EXPECT_EQ(programme.title, name);
-        EXPECT_EQ(programme.synopsis, "of " + name);
+        EXPECT_EQ(programme.synopsis.text(), "of " + name);
         EXPECT_EQ(programme.stop, programme.start + hour);
         EXPECT_GE(programme.start, kNow);
         EXPECT_LT(programme.start, kNow + std::int64_t{bound / channels} * hour);

@@ -22,7 +22,7 @@ std::shared_ptr<Programme> detailedProgramme() {
     programme->eventId = 65535;
     programme->scrambled = true;
     programme->title = "\xCE\xA9";
-    programme->synopsis = "a\xF0\x9F\x98\x80";
+    programme->synopsis = Synopsis("a\xF0\x9F\x98\x80");
     programme->series = "Ab";
     return programme;
 }
@@ -76,7 +76,7 @@ TEST(TCProgram, CutsItsTextsToTheBufferBetweenCharacters) {
 TEST(TCProgram, CountsLongTextsWhole) {
     const std::string text(100000, 'x');
     const auto programme = detailedProgramme();
-    programme->synopsis = text;
+    programme->synopsis = Synopsis(text);
     EXPECT_EQ(TCProgram(programme).ExtendedTextLength(), 200000);
 }
 
