@@ -2,10 +2,11 @@
 // SQLite stepping its statement and the kernel taking its answer, for the start reading the guide and
 // filling the table twice.
 //
-//   floor GUIDE START < REQUESTS
+//   floor GUIDE START
 //
-// Each line of REQUESTS is "book PROGRAMME" or "get NAME PATH [QUERY]", the path from "epg2" on; the
-// bookings come first. Prints one JSON object; all times are milliseconds of processor time.
+// Prints a line of JSON for the start, and one for each line that it reads: "book PROGRAMME", "preparation"
+// for what precedes every request, or "get FORM PATH [QUERY]", where FORM is json or xml and the path begins
+// at "epg2". All times are milliseconds of processor time.
 #include <libxml/xmlreader.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
@@ -14,6 +15,7 @@
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <regex>
 #include <sstream>
 #include <stdexcept>
@@ -38,29 +40,10 @@ using epgtest::OpenPlugin;
 using Json = rapidjson::Writer<rapidjson::StringBuffer>;
 
 struct Get {
-    std::string name;
+    bool xml = false;
     std::string path;
     std::string query;
 };
-
-/// Reads the lines of REQUESTS; books at once.
-std::vector<Get> readRequests(std::istream& in) {
-    std::vector<Get> requests;
-    for (std::string line; std::getline(in, line);) {
-        std::istringstream words(line);
-        std::string verb;
-        Get get;
-        words >> verb >> get.name >> get.path >> get.query;
-        if (verb == "book") {
-            GuideService::book(get.name);
-        } else if (verb == "get" && !get.path.empty()) {
-            requests.push_back(get);
-        } else {
-            throw std::runtime_error("no request: " + line);
-        }
-    }
-    return requests;
-}
 
 /// Reads all nodes of a guide with the library alone.
 void readXml(const std::string& path) {
@@ -91,7 +74,7 @@ std::string statementOf(const Get& request) {
     for (auto text = trace.statements.rbegin(); text != trace.statements.rend(); ++text) {
         if (text->rfind("SELECT", 0) == 0) return *text;
     }
-    throw std::runtime_error(request.name + ": runs no statement");
+    throw std::runtime_error(request.path + ": runs no statement");
 }
 
 /// The statement as bare SQLite knows it: a search by score becomes one by LIKE.
@@ -115,27 +98,21 @@ public:
 
     void measure(const Get& request, Json& json) const {
         const std::string sql = bareStatement(statementOf(request));
-        json.Key(request.name.c_str());
-        json.StartObject();
+        const auto send = [&] {
+            return GuideService::send("GET", request.path, request.query, "", request.xml);
+        };
+        const epgbench::Answer answer = send();
+        const std::string bytes = std::string(headerBytes, ' ') + answer.body;
         json.Key("statement");
         json.String(sql.c_str());
         json.Key("rows");
         json.Int64(indexed_.run(sql));
+        json.Key("bytes");
+        json.Uint64(answer.body.size());
         add(json, "sqlite_ms", medianMilliseconds([&] { indexed_.run(sql); }));
         add(json, "sqlite_without_indexes_ms", medianMilliseconds([&] { plain_.run(sql); }));
-        for (const bool xml : {false, true}) {
-            const epgbench::Answer answer = GuideService::send("GET", request.path, request.query, "", xml);
-            const std::string bytes = std::string(headerBytes, ' ') + answer.body;
-            json.Key(xml ? "xml" : "json");
-            json.StartObject();
-            json.Key("bytes");
-            json.Uint64(answer.body.size());
-            add(json, "socket_ms", medianMilliseconds([&] { socket_.write(bytes); }));
-            add(json, "service_ms",
-                medianMilliseconds([&] { GuideService::send("GET", request.path, request.query, "", xml); }));
-            json.EndObject();
-        }
-        json.EndObject();
+        add(json, "socket_ms", medianMilliseconds([&] { socket_.write(bytes); }));
+        add(json, "service_ms", medianMilliseconds(send));
     }
 
 private:
@@ -177,7 +154,40 @@ std::int64_t databaseBytes() {
     return bytes;
 }
 
-int measure(const std::string& guidePath, const std::string& start) {
+/// Prints what `work` adds to an object, in one line.
+template <typename Work>
+void print(const Work& work) {
+    rapidjson::StringBuffer text;
+    Json json(text);
+    json.StartObject();
+    work(json);
+    json.EndObject();
+    std::puts(text.GetString());
+    std::fflush(stdout);
+}
+
+/// `floor` is made for the first request, so that its tables hold what was booked before.
+void answer(const std::string& line, std::optional<Floor>& floor) {
+    std::istringstream words(line);
+    std::string verb;
+    std::string first;
+    Get get;
+    words >> verb >> first >> get.path >> get.query;
+    get.xml = first == "xml";
+    if (verb == "book") {
+        GuideService::book(first);
+        print([](Json&) {});
+    } else if (verb == "preparation") {
+        print(measurePreparation);
+    } else if (verb == "get" && !get.path.empty()) {
+        if (!floor) floor.emplace();
+        print([&](Json& json) { floor->measure(get, json); });
+    } else {
+        throw std::runtime_error("no request: " + line);
+    }
+}
+
+void measure(const std::string& guidePath, const std::string& start) {
     const auto now = epgset::parseTimeOption(start);
     if (!now) throw std::runtime_error("no time: " + start);
     epgset::EventIds ids;
@@ -186,36 +196,28 @@ int measure(const std::string& guidePath, const std::string& start) {
     sources.now = *now;
     const GuideService service(epgset::loadGuide(sources, ids).guide, *now);
 
-    rapidjson::StringBuffer text;
-    Json json(text);
-    json.StartObject();
-    json.Key("sqlite");
-    json.String(sqlite3_libversion());
-    measureStart(guidePath, json);
-    const std::vector<Get> requests = readRequests(std::cin);
-    measurePreparation(json);
-    json.Key("database_bytes");
-    json.Int64(databaseBytes());
-    json.Key("requests");
-    json.StartObject();
-    const Floor floor;
-    for (const Get& request : requests)
-        floor.measure(request, json);
-    json.EndObject();
-    json.EndObject();
-    std::puts(text.GetString());
-    return 0;
+    print([&](Json& json) {
+        json.Key("sqlite");
+        json.String(sqlite3_libversion());
+        measureStart(guidePath, json);
+        json.Key("database_bytes");
+        json.Int64(databaseBytes());
+    });
+    std::optional<Floor> floor;
+    for (std::string line; std::getline(std::cin, line);)
+        answer(line, floor);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     if (argc != 3) {
-        std::fprintf(stderr, "usage: floor GUIDE START < REQUESTS\n");
+        std::fprintf(stderr, "usage: floor GUIDE START\n");
         return 2;
     }
     try {
-        return measure(argv[1], argv[2]);
+        measure(argv[1], argv[2]);
+        return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "floor: %s\n", error.what());
         return 1;

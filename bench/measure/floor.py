@@ -6,29 +6,55 @@ from . import guides
 from .server import Failure
 
 
-def measure(program, guide, asked, booked):
-    """The least that the start and each request can cost, on the same guide with the same bookings."""
-    lines = [f"book {programme}" for programme in booked]
-    for request in asked:
+class Floor:
+    """The program that measures the least that the start and each request can cost, on a guide with some
+    programmes booked. It runs as long as the block."""
+
+    def __init__(self, program, guide, booked):
+        self._process = subprocess.Popen([program, guide, guides.START], stdin=subprocess.PIPE,
+                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        try:
+            self.start = self._answer()
+            for programme in booked:
+                self._ask(f"book {programme}")
+            self.preparation()  # which marks what is booked in the table that is measured on
+        except Failure:
+            self.__exit__()
+            raise
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self._process.kill()
+        self._process.communicate()
+
+    def preparation(self):
+        """What every request does before its own statement."""
+        return self._ask("preparation")
+
+    def request(self, request, form):
         path, _, query = request.path.removeprefix("/ws/").partition("?")
-        lines.append(f"get {request.name} {path} {query}")
-    done = subprocess.run([program, guide, guides.START], input="\n".join(lines) + "\n", capture_output=True,
-                          text=True)
-    if done.returncode != 0:
-        raise Failure(f"the floor was not measured: {done.stderr}")
-    return json.loads(done.stdout)
+        return self._ask(f"get {form} {path} {query}")
+
+    def _ask(self, line):
+        self._process.stdin.write(line + "\n")
+        self._process.stdin.flush()
+        return self._answer()
+
+    def _answer(self):
+        line = self._process.stdout.readline()
+        if not line:
+            raise Failure(f"the floor was not measured: {self._process.stderr.read()}")
+        return json.loads(line)
 
 
-def put_beside(figures, floor):
-    """Gives each figure that reads the floor of its request, and the ratio of the two."""
-    for figure in figures:
-        request = floor["requests"].get(figure["request"])
-        if request is None:
-            continue
-        form = request[figure["format"]]
-        if form["bytes"] != figure["bytes"]:
-            raise Failure(f"{figure['title']}: the set answers {figure['bytes']} bytes, its floor was measured "
-                          f"with {form['bytes']}")
-        figure["floor_ms"] = request["sqlite_ms"] + form["socket_ms"]
-        figure["ratio"] = figure["processor_seconds_per_1000"] / figure["floor_ms"]
-        figure["in_process_ms"] = form["service_ms"]
+def put_beside(figure, floor):
+    """Gives a figure that reads the floor of its request, measured just before, and the ratio of the two."""
+    if floor["bytes"] != figure["bytes"]:
+        raise Failure(f"{figure['title']}: the set answers {figure['bytes']} bytes, its floor was measured "
+                      f"with {floor['bytes']}")
+    figure["floor_ms"] = floor["sqlite_ms"] + floor["socket_ms"]
+    figure["ratio"] = figure["processor_seconds_per_1000"] / figure["floor_ms"]
+    figure["statement_ms"] = floor["sqlite_ms"]
+    figure["in_process_ms"] = floor["service_ms"]

@@ -48,7 +48,7 @@ def read_figures(run, connections=CONNECTIONS):
 
 def shares(figure, floor):
     """Where a request's processor time goes, in milliseconds, from the first thing done to the last."""
-    statement = floor["requests"][figure["request"]]["sqlite_ms"]
+    statement = figure["statement_ms"]
     preparation = floor["update_check_ms"] + floor["mirror_ms"]
     service = max(0.0, figure["in_process_ms"] - preparation - statement)
     server = max(0.0, figure["processor_seconds_per_1000"] - figure["in_process_ms"])

@@ -34,6 +34,7 @@ class Server:
             self.__exit__()
             raise
         self.ready_seconds = time.monotonic() - begin
+        self.start_processor_seconds = self.processor_seconds()
 
     def _wait_for_url(self):
         if not select.select([self._process.stdout], [], [], 120)[0]:

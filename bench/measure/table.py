@@ -18,13 +18,13 @@ def start_lines(run):
     lines = [
         f"{run['programmes']:,} programmes, {run['channels']} channels, {run['bookings']} bookings"
         + (", kept answers" if run["answer_cache"] == "warm" else ""),
-        f"  ready after {start['ready_seconds']:.2f} s; resident {start['resident_bytes'] / 1e6:.1f} MB, "
-        f"after the load {run['resident_bytes_after_load'] / 1e6:.1f} MB",
+        f"  ready after {start['ready_seconds']:.2f} s, {start['processor_seconds']:.2f} s of processor time; "
+        f"resident {start['resident_bytes'] / 1e6:.1f} MB, after the load {run['resident_bytes_after_load'] / 1e6:.1f} MB",
     ]
     floor = run.get("floor")
     if floor:
         beyond = start["resident_bytes"] - floor["database_bytes"]
-        start_ratio = start["ready_seconds"] * 1e3 / floor["start_ms"]
+        start_ratio = start["processor_seconds"] * 1e3 / floor["start_ms"]
         lines += [
             f"  SQLite's pages {floor['database_bytes'] / 1e6:.1f} MB, beyond them "
             f"{beyond / run['programmes']:.0f} bytes a programme",
