@@ -20,6 +20,12 @@ public:
 
     /// Adds a decimal number, filled up with zeros to `width` characters, its sign included.
     TextBuilder& add(int number, std::size_t width = 0) {
+        constexpr std::size_t pair = 2;  // nearly all numbers are parts of a time
+        if (width == pair && number >= 0 && number < 100 && m_room - m_length >= pair) {
+            addCharacter(static_cast<char>('0' + number / 10));
+            addCharacter(static_cast<char>('0' + number % 10));
+            return *this;
+        }
         char digits[16];
         const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
         const char* from = digits;
@@ -43,10 +49,17 @@ public:
 private:
     TextBuilder& add(const char* text, std::size_t length) {
         const std::size_t fitting = std::min(length, m_room - m_length);
+        if (fitting == 1) {
+            addCharacter(*text);
+            return *this;
+        }
         if (fitting != 0) std::memcpy(m_text.get() + m_length, text, fitting);
         m_length += fitting;
         return *this;
     }
+
+    /// There must be room for it.
+    void addCharacter(char character) { m_text.get()[m_length++] = character; }
 
     HeapText m_text;
     std::size_t m_room;

@@ -7,18 +7,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "set/text/ByteWords.h"
+
 namespace epgset {
 namespace {
-
-constexpr std::size_t wordBytes = sizeof(std::uint64_t);
-constexpr std::uint64_t each = 0x0101010101010101U;
-constexpr std::uint64_t highBits = 0x80 * each;
-
-std::uint64_t wordAt(const char* bytes) {
-    std::uint64_t word;
-    std::memcpy(&word, bytes, wordBytes);
-    return word;
-}
 
 bool isAscii(char c) {
     return static_cast<unsigned char>(c) < 0x80;
@@ -27,7 +19,7 @@ bool isAscii(char c) {
 /// Length of the ASCII that the text begins with.
 std::size_t asciiLength(std::string_view text) {
     std::size_t at = 0;
-    while (text.size() - at >= wordBytes && (wordAt(text.data() + at) & highBits) == 0)
+    while (text.size() - at >= wordBytes && highBits(wordAt(text.data() + at)) == 0)
         at += wordBytes;
     while (at < text.size() && isAscii(text[at]))
         ++at;
@@ -40,9 +32,9 @@ void lowerAscii(char* text, std::size_t length) {
     for (; length - at >= wordBytes; at += wordBytes) {
         std::uint64_t word = wordAt(text + at);
         // The high bit of each byte tells whether it is at least "A", and whether it is above "Z".
-        const std::uint64_t fromA = word + (0x80 - 'A') * each;
-        const std::uint64_t aboveZ = word + (0x80 - 'Z' - 1) * each;
-        word |= (fromA & ~aboveZ & highBits) >> 2;
+        const std::uint64_t fromA = word + everyByte(0x80 - 'A');
+        const std::uint64_t aboveZ = word + everyByte(0x80 - 'Z' - 1);
+        word |= highBits(fromA & ~aboveZ) >> 2;
         std::memcpy(text + at, &word, wordBytes);
     }
     for (; at < length; ++at)

@@ -1,12 +1,37 @@
 #include "set/document/JsonPrinter.h"
 
+#include <cstdint>
+#include <string_view>
+
 #include "set/document/DocumentWalk.h"
+#include "set/text/ByteWords.h"
 #include "set/text/JsonWriter.h"
 
 namespace epgset {
 namespace {
 
-using Writer = JsonWriter<PrintBuffer>;
+/// RapidJSON's writer looks at each character of a text. Hardly any needs an escape.
+class Writer : public JsonWriter<PrintBuffer> {
+public:
+    using JsonWriter<PrintBuffer>::JsonWriter;
+
+    void text(std::string_view text) {
+        if (!holdsForAllBytes(text, &needsNoEscape)) {
+            String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+            return;
+        }
+        Prefix(rapidjson::kStringType);
+        os_->Put('"');
+        os_->append(text);
+        os_->Put('"');
+        EndValue(true);
+    }
+
+private:
+    static bool needsNoEscape(std::uint64_t word) {
+        return (controlBytes(word) | bytesThatAre('"', word) | bytesThatAre('\\', word)) == 0;
+    }
+};
 
 class JsonPrinter {
 public:
@@ -23,7 +48,7 @@ public:
         writeKey(object, member);
         switch (member.kind) {
             case DocumentMember::Kind::Text:
-                writer_.String(member.text().data(), member.textLength);
+                writer_.text(member.text());
                 break;
             case DocumentMember::Kind::Integer:
                 writer_.Int(member.integer);
@@ -41,9 +66,9 @@ public:
 private:
     void writeKey(const DocumentObject& object, const DocumentMember& member) {
         if (member.named) {
-            writer_.Key(member.keyStart, member.keyLength);
+            writer_.text({member.keyStart, member.keyLength});
         } else if (!object.isList()) {
-            writer_.Key("item", 4);
+            writer_.text("item");
         }
     }
 

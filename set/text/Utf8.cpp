@@ -5,23 +5,17 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+
+#include "set/text/ByteWords.h"
 
 namespace epgset {
 namespace {
 
 constexpr std::string_view replacement = "\xEF\xBF\xBD";
 
-constexpr std::uint64_t everyByte(std::uint8_t value) {
-    return 0x0101010101010101U * value;
-}
-
 /// Whether eight bytes are all ASCII and of the repertoire; may say no of eight that are.
 bool isPlainWord(std::uint64_t word, Utf8Repertoire repertoire) noexcept {
-    std::uint64_t suspicious = word & everyByte(0x80);
-    // A byte below 0x20 borrows into its top bit.
-    if (repertoire == Utf8Repertoire::Xml) suspicious |= (word - everyByte(0x20)) & everyByte(0x80);
-    return suspicious == 0;
+    return (highBits(word) | (repertoire == Utf8Repertoire::Xml ? controlBytes(word) : 0)) == 0;
 }
 
 bool isAllowed(std::int32_t character, Utf8Repertoire repertoire) noexcept {
@@ -44,16 +38,12 @@ std::size_t cleanCharacterLength(std::string_view text, Utf8Repertoire repertoir
 std::size_t cleanPrefixLength(std::string_view text, Utf8Repertoire repertoire) noexcept {
     std::size_t at = 0;
     while (at < text.size()) {
-        std::uint64_t word = 0;
-        if (text.size() - at >= sizeof word) {
-            std::memcpy(&word, text.data() + at, sizeof word);
-            if (isPlainWord(word, repertoire)) {
-                at += sizeof word;
-                continue;
-            }
+        if (text.size() - at >= wordBytes && isPlainWord(wordAt(text.data() + at), repertoire)) {
+            at += wordBytes;
+            continue;
         }
         // One character after another until the word is behind, then whole words again.
-        const std::size_t until = std::min(at + sizeof word, text.size());
+        const std::size_t until = std::min(at + wordBytes, text.size());
         while (at < until) {
             const std::size_t length = cleanCharacterLength(text.substr(at), repertoire);
             if (length == 0) return at;
@@ -108,7 +98,8 @@ std::size_t replacedLength(std::string_view text) noexcept {
 }  // namespace
 
 bool isCleanUtf8(std::string_view text, Utf8Repertoire repertoire) noexcept {
-    return cleanPrefixLength(text, repertoire) == text.size();
+    const auto isPlain = [repertoire](std::uint64_t word) { return isPlainWord(word, repertoire); };
+    return holdsForAllBytes(text, isPlain) || cleanPrefixLength(text, repertoire) == text.size();
 }
 
 void appendRepairedUtf8(std::string& out, std::string_view text, Utf8Repertoire repertoire) {
