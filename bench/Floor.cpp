@@ -6,7 +6,7 @@
 //
 // Prints a line of JSON for the start, and one for each line that it reads: "book PROGRAMME", "preparation"
 // for what precedes every request, or "get FORM PATH [QUERY]", where FORM is json or xml and the path begins
-// at "epg2". All times are milliseconds of processor time.
+// at "epg2". All times are milliseconds of processor time. SQLite takes its memory here as in the set.
 #include <libxml/xmlreader.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>

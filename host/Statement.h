@@ -3,6 +3,7 @@
 
 #include <sqlite3.h>
 
+#include <optional>
 #include <string>
 
 #include "host/Connection.h"
@@ -24,7 +25,8 @@ public:
     /// Prepares the first statement of the SQL text, in place of an earlier one, and keeps the rest
     /// as the new SQL text. On a failure SQLite's message and the text are logged, the handle is
     /// empty, and so is the remaining text. A statement that was closed before may come back, as if
-    /// just prepared, when its text does.
+    /// just prepared, when its text does. An INSERT of texts alone may be prepared with parameters, to
+    /// which its texts are bound.
     void compile();
 
     /// Runs one step: true for a row and for completion, false otherwise. The step of a Statement
@@ -45,6 +47,6 @@ private:
     sqlite3_stmt* m_handle = nullptr;
     bool m_concernsRowsAlone = false;
     std::string m_sql;
-    std::string m_row;  ///< texts that parameters of the prepared statement are bound to
+    std::optional<std::string> m_row;  ///< texts that parameters of the prepared statement are bound to
     Container::SharedPtr<Connection> m_connection;
 };

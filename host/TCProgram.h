@@ -42,7 +42,7 @@ public:
     /// Copies the title into `buffer`, at most `bytes` bytes, and answers how many were copied.
     virtual int GetTitle(void* buffer, int bytes) const;
 
-    /// The same for the extended text, which is the synopsis.
+    /// The same for the extended text, which is the synopsis. It lies compressed: both throw std::bad_alloc.
     virtual int ExtendedTextLength() const;
     virtual int GetExtendedText(void* buffer, int bytes) const;
 

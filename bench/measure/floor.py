@@ -1,6 +1,8 @@
 """The floors of the figures, by bench/Floor.cpp."""
 import json
+import select
 import subprocess
+import tempfile
 
 from . import guides
 from .server import Failure
@@ -10,15 +12,18 @@ class Floor:
     """The program that measures the least that the start and each request can cost, on a guide with some
     programmes booked. It runs as long as the block."""
 
+    SECONDS = 600  # what one answer may take
+
     def __init__(self, program, guide, booked):
+        self._errors = tempfile.TemporaryFile("w+")
         self._process = subprocess.Popen([program, guide, guides.START], stdin=subprocess.PIPE,
-                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+                                         stdout=subprocess.PIPE, stderr=self._errors, text=True)
         try:
             self.start = self._answer()
             for programme in booked:
                 self._ask(f"book {programme}")
             self.preparation()  # which marks what is booked in the table that is measured on
-        except Failure:
+        except BaseException:
             self.__exit__()
             raise
 
@@ -28,6 +33,7 @@ class Floor:
     def __exit__(self, *_):
         self._process.kill()
         self._process.communicate()
+        self._errors.close()
 
     def preparation(self):
         """What every request does before its own statement."""
@@ -38,14 +44,19 @@ class Floor:
         return self._ask(f"get {form} {path} {query}")
 
     def _ask(self, line):
-        self._process.stdin.write(line + "\n")
-        self._process.stdin.flush()
+        try:
+            self._process.stdin.write(line + "\n")
+            self._process.stdin.flush()
+        except OSError:
+            pass  # it has ended: there is no answer to read
         return self._answer()
 
     def _answer(self):
-        line = self._process.stdout.readline()
+        readable = select.select([self._process.stdout], [], [], self.SECONDS)[0]
+        line = self._process.stdout.readline() if readable else ""
         if not line:
-            raise Failure(f"the floor was not measured: {self._process.stderr.read()}")
+            self._errors.seek(0)
+            raise Failure(f"the floor was not measured: {self._errors.read()}")
         return json.loads(line)
 
 
@@ -56,5 +67,8 @@ def put_beside(figure, floor):
                       f"with {floor['bytes']}")
     figure["floor_ms"] = floor["sqlite_ms"] + floor["socket_ms"]
     figure["ratio"] = figure["processor_seconds_per_1000"] / figure["floor_ms"]
+    figure["statement"] = floor["statement"]
+    figure["rows"] = floor["rows"]
     figure["statement_ms"] = floor["sqlite_ms"]
+    figure["statement_without_indexes_ms"] = floor["sqlite_without_indexes_ms"]
     figure["in_process_ms"] = floor["service_ms"]

@@ -50,6 +50,7 @@ def text(results):
         "cpu s/1000: processor seconds of the server for a thousand requests, that is milliseconds a request.",
         "floor: milliseconds of processor time of bare SQLite stepping the same statement on the same rows and",
         "indexes, and of writing the same bytes to a loopback socket. For the search: LIKE '%word%'.",
+        f"Each figure and each ratio is the median of {results['rounds']} rounds.",
     ]
     for run in results["runs"]:
         lines += ["", *start_lines(run), row([name for name, _ in COLUMNS])]

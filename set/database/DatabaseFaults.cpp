@@ -27,8 +27,12 @@ DatabaseFault::~DatabaseFault() {
     --faultCount;
 }
 
+bool DatabaseFault::areSet() {
+    return faultCount.load(std::memory_order_relaxed) != 0;
+}
+
 bool DatabaseFault::hits(Operation operation, std::string_view sql) {
-    if (faultCount.load(std::memory_order_relaxed) == 0) return false;
+    if (!areSet()) return false;
     const std::lock_guard lock(faultsMutex);
     bool hit = false;
     for (DatabaseFault* fault : faults) {

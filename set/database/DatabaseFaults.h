@@ -19,6 +19,9 @@ public:
     DatabaseFault(const DatabaseFault&) = delete;
     DatabaseFault& operator=(const DatabaseFault&) = delete;
 
+    /// Whether any lives now.
+    static bool areSet();
+
     /// Whether a fault that lives now hits this operation, which counts as one.
     static bool hits(Operation operation, std::string_view sql);
 

@@ -147,7 +147,8 @@ int configure(sqlite3* database) {
             return code;
     }
     // No temporary file: what VACUUM and sorting need stays in memory, under the bound of SQLite's memory.
-    // And what is dropped is not overwritten first: nobody could read it.
+    // What is dropped is not overwritten first: the guide's database is in memory, where nobody could read
+    // it.
     constexpr const char* pragmas = "PRAGMA temp_store = MEMORY; PRAGMA secure_delete = OFF";
     if (const int code = sqlite3_exec(database, pragmas, nullptr, nullptr, nullptr); code != SQLITE_OK)
         return code;

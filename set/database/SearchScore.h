@@ -19,7 +19,7 @@ public:
     /// The text to search for, as somebody typed it. What holds nothing but accents matches nothing.
     explicit Search(std::string_view text) : needle_(foldedForSearch(text)) {}
 
-    /// The best match in a text of any kind. Not const: the folded text takes its place in memory each time.
+    /// The best match in a text of any kind. Keeps the memory of the folded text for the next.
     SearchScore scoreOf(std::string_view text);
 
 private:

@@ -45,12 +45,11 @@ void* reallocate(void* block, int bytes) {
     const std::size_t before = malloc_usable_size(block);
     const auto wanted = static_cast<std::size_t>(bytes);
     const std::size_t growth = wanted > before ? wanted - before : 0;
-    if (!take(growth)) return nullptr;
+    if (growth != 0 && !take(growth)) return nullptr;
     void* const moved = std::realloc(block, wanted);
-    giveBack(growth);
-    if (moved == nullptr) return nullptr;
-    held.fetch_add(malloc_usable_size(moved) - before,
-                   std::memory_order_relaxed);  // modulo 2^n when it shrank
+    // Less than nothing is given back where the block has become larger than was asked for.
+    const std::size_t after = moved == nullptr ? before : malloc_usable_size(moved);
+    giveBack(before + growth - after);
     return moved;
 }
 

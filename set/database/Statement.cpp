@@ -2,6 +2,9 @@
 
 #include <climits>
 #include <memory>
+#include <new>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -40,20 +43,31 @@ void reportCompileError(const char* message, const std::string& sql) {
     logger.error("Cannot compile SQL: %s: %s", message, sql);
 }
 
+/// The text that a statement was compiled from: with its row where that stands in parameters. Throws
+/// std::bad_alloc.
+std::string textOf(sqlite3_stmt* statement, bool hasRow) {
+    const std::unique_ptr<char, decltype(&sqlite3_free)> whole(
+        hasRow ? sqlite3_expanded_sql(statement) : nullptr, &sqlite3_free);
+    return whole ? whole.get() : sqlite3_sql(statement);
+}
+
 /// Notes and logs how the last run of a statement failed, if it did. The reset answers that also for a
 /// handle that others stepped.
-void reportRunError(sqlite3_stmt* statement) {
+void reportRunError(sqlite3_stmt* statement, bool hasRow) noexcept {
     sqlite3* const database = sqlite3_db_handle(statement);
     const ConnectionLock lock(database);
     const int code = sqlite3_reset(statement);
     if (code == SQLITE_OK) return;
-    // With what is bound to its parameters. Null without memory for it.
-    const std::unique_ptr<char, decltype(&sqlite3_free)> text(sqlite3_expanded_sql(statement), &sqlite3_free);
     const char* const message = sqlite3_errmsg(database);
     epgset::noteDatabaseError(message);
     // An interruption was logged when it happened.
     if (code == SQLITE_INTERRUPT) return;
-    logger.warning("An SQL statement failed: %s: %s", message, text ? text.get() : sqlite3_sql(statement));
+    try {
+        const std::string told = message;  // what follows may take SQLite's place for it
+        logger.warning("An SQL statement failed: %s: %s", told, textOf(statement, hasRow));
+    } catch (const std::bad_alloc&) {
+        logger.warning("An SQL statement failed: %s: %s", sqlite3_errstr(code), sqlite3_sql(statement));
+    }
 }
 
 /// Whether SQLite's reading ended at a NUL inside the text and not behind a statement's ";".
@@ -82,17 +96,11 @@ Compiled takeOrCompile(sqlite3* database, epgset::StatementCache& kept, const st
     return compiled;
 }
 
-/// Has `row` hold the texts of an INSERT, and the compiled statement's parameters refer to it.
-void bindRow(epgset::InsertText& insert, Compiled& compiled, std::string& row) {
-    row = insert.takeRow();
-    compiled.code = insert.bind(compiled.statement, row);
-    if (compiled.code != SQLITE_OK) sqlite3_finalize(std::exchange(compiled.statement, nullptr));
-}
-
 /// Compiles the first statement of `sql`; one without a handle took all of the text. Texts that it refers to
 /// are put into `row`, which must stay as it is until the statement is closed.
 Compiled compileFirst(sqlite3* database, epgset::StatementCache& kept, const std::string& sql,
-                      std::string& row) {
+                      std::optional<std::string>& row) {
+    row.reset();
     if (sql.size() >= INT_MAX) {
         reportCompileError(sqlite3_errstr(SQLITE_TOOBIG), "(a text of more than 2 GiB)");
         return {nullptr, false, sql.size()};
@@ -100,9 +108,13 @@ Compiled compileFirst(sqlite3* database, epgset::StatementCache& kept, const std
     auto insert = epgset::InsertText::of(sql);
     const ConnectionLock lock(database);
     Compiled compiled = takeOrCompile(database, kept, insert ? insert->withParameters() : sql);
-    if (insert && compiled.statement) bindRow(*insert, compiled, row);
+    if (insert && compiled.statement) {
+        row = insert->takeRow();
+        compiled.code = insert->bind(compiled.statement, *row);
+    }
     if (compiled.code != SQLITE_OK) {
         reportCompileError(sqlite3_errmsg(database), sql);
+        sqlite3_finalize(std::exchange(compiled.statement, nullptr));
     } else if (!insert && endsAtNul(sql, compiled.read)) {
         sqlite3_finalize(std::exchange(compiled.statement, nullptr));
         reportCompileError("a NUL byte in the text", sql);
@@ -153,7 +165,8 @@ void Statement::compile() {
 
 bool Statement::step() {
     if (!m_handle) return false;
-    if (DatabaseFault::hits(DatabaseFault::Step, sqlite3_sql(m_handle))) {
+    if (DatabaseFault::areSet() &&
+        DatabaseFault::hits(DatabaseFault::Step, textOf(m_handle, m_row.has_value()))) {
         epgset::noteDatabaseError(injectedFault);
         return false;
     }
@@ -163,7 +176,7 @@ bool Statement::step() {
 
 void Statement::close() {
     if (!m_handle) return;
-    reportRunError(m_handle);
+    reportRunError(m_handle, m_row.has_value());
     sqlite3_stmt* const ended = std::exchange(m_handle, nullptr);
     if (m_connection && m_connection->handle() == sqlite3_db_handle(ended))
         keepOrFinalize(ended, *m_connection->m_kept, m_concernsRowsAlone);

@@ -17,8 +17,8 @@ namespace epgset {
 /// request comes with the same texts each time, and compiling them takes several times what running them
 /// does.
 ///
-/// A statement is kept from the second time on that its text is put in: the thousands of INSERTs of a table
-/// fill, each of which comes once, leave no trace. The least recently used goes when there are too many. To
+/// A statement is kept from the second time on that its text is put in: those of which each comes once, as of
+/// clients, leave no trace. The least recently used goes when there are too many. To
 /// be used under the connection's lock (sqlite3_db_mutex).
 class StatementCache {
 public:

@@ -51,6 +51,10 @@ struct Programme {
 /// then minor number; programmes by channel, within one ascending by start.
 class Guide {
 public:
+    Guide() = default;
+    Guide(const Guide&) = delete;  // its programmes refer to what it holds
+    Guide& operator=(const Guide&) = delete;
+
     std::span<const Channel> channels() const { return channels_; }
     std::span<const Programme> programmes() const { return programmes_; }
 

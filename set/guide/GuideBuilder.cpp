@@ -4,7 +4,6 @@
 #include <numeric>
 #include <stdexcept>
 #include <tuple>
-#include <unordered_map>
 #include <utility>
 
 #include "set/guide/ChannelOrder.h"
@@ -31,17 +30,12 @@ std::vector<std::uint32_t> sortChannels(std::vector<Channel>& channels) {
     return newIndex;
 }
 
-/// Puts the synopses of programmes into `archive`, in their order, each text once. A pool keeps what the
-/// programmes hold, so that the same text is at the same place.
+/// Puts the synopses of programmes, which are of one pool, into `archive`, in their order.
 void archiveSynopses(std::vector<Programme>& programmes, TextArchive& archive) {
     TextArchiveWriter writer;
-    std::unordered_map<const char*, TextArchive::Place> places;
     for (Programme& programme : programmes) {
         const std::string_view text = programme.synopsis.plain().value();
-        if (text.empty()) continue;
-        const auto [known, isNew] = places.try_emplace(text.data());
-        if (isNew) known->second = writer.add(text);
-        programme.synopsis = Synopsis(archive, known->second);
+        if (!text.empty()) programme.synopsis = Synopsis(archive, writer.addOfPool(text));
     }
     archive = writer.finish();
 }

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <new>
-#include <stdexcept>
 
 namespace epgset {
 namespace {

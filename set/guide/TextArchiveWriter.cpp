@@ -13,6 +13,7 @@ namespace {
 /// Larger ones compress better and take longer to read one text of.
 constexpr std::size_t blockBytes = 16 * 1024;
 
+constexpr const char* tooLong = "the texts of a guide take more than 4 GiB";
 constexpr std::size_t mostBytes = std::numeric_limits<std::uint32_t>::max();
 
 }  // namespace
@@ -30,9 +31,15 @@ TextArchiveWriter::~TextArchiveWriter() = default;
 TextArchive::Place TextArchiveWriter::add(std::string_view text) {
     if (open_.size() >= blockBytes) endBlock();
     const std::size_t start = archive_.blocks_.back().start + open_.size();
-    if (text.size() > mostBytes - start) throw std::length_error("the texts of a guide take more than 4 GiB");
+    if (text.size() > mostBytes - start) throw std::length_error(tooLong);
     open_ += text;
     return {static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(text.size())};
+}
+
+TextArchive::Place TextArchiveWriter::addOfPool(std::string_view text) {
+    const auto [known, isNew] = ofPool_.try_emplace(text.data());
+    if (isNew) known->second = add(text);
+    return known->second;
 }
 
 TextArchive TextArchiveWriter::finish() {
@@ -45,6 +52,7 @@ TextArchive TextArchiveWriter::finish() {
 void TextArchiveWriter::endBlock() {
     auto& compressed = archive_.compressed_;
     const std::size_t before = compressed.size();
+    if (before + ZSTD_compressBound(open_.size()) > mostBytes) throw std::length_error(tooLong);
     compressed.resize(before + ZSTD_compressBound(open_.size()));
     const std::size_t written =
         ZSTD_compressCCtx(context_.get(), compressed.data() + before, compressed.size() - before,

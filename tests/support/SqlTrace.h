@@ -24,9 +24,9 @@ public:
 
 private:
     static int keep(unsigned, void* self, void* statement, void*) {
-        // With what is bound to its parameters.
-        char* const text = sqlite3_expanded_sql(static_cast<sqlite3_stmt*>(statement));
-        static_cast<SqlTrace*>(self)->statements.emplace_back(text);
+        auto* const run = static_cast<sqlite3_stmt*>(statement);
+        char* const text = sqlite3_expanded_sql(run);  // with what is bound to parameters
+        static_cast<SqlTrace*>(self)->statements.emplace_back(text != nullptr ? text : sqlite3_sql(run));
         sqlite3_free(text);
         return 0;
     }

@@ -11,9 +11,11 @@ std::string answeredSql;
 int answeredCode = SQLITE_OK;
 
 bool isAnswered(sqlite3_stmt* statement) {
-    const char* text = sqlite3_sql(statement);
-    return !answeredSql.empty() && text != nullptr &&
-           std::string(text).find(answeredSql) != std::string::npos;
+    if (answeredSql.empty()) return false;
+    char* const text = sqlite3_expanded_sql(statement);  // with what is bound to parameters
+    const bool found = text != nullptr && std::string(text).find(answeredSql) != std::string::npos;
+    sqlite3_free(text);
+    return found;
 }
 
 }  // namespace

@@ -92,8 +92,11 @@ TEST(DatabaseRequest, DoesNotCountStatementsThatAreOverAtOnce) {
     const DatabaseRequest request(0ms);
     const auto start = std::chrono::steady_clock::now();
     int rows = 0;
-    for (; std::chrono::steady_clock::now() - start < 30ms; ++rows)
-        ASSERT_EQ(run(connection, "INSERT INTO t VALUES ('a row of a table fill')"), SQLITE_DONE);
+    for (; std::chrono::steady_clock::now() - start < 30ms; ++rows) {
+        const std::string row = "'row " + std::to_string(rows) + " of a table fill'";
+        ASSERT_EQ(run(connection, "INSERT INTO t values(" + row + ");"), SQLITE_DONE);
+        ASSERT_EQ(run(connection, "INSERT INTO t (a) VALUES (" + row + ")"), SQLITE_DONE);
+    }
     EXPECT_EQ(run(connection, countTo3000), SQLITE_INTERRUPT);
     EXPECT_GT(rows, 1);
 }

@@ -4,9 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 
 #include "host/Logger.h"
+#include "set/database/DatabaseFaults.h"
 #include "set/database/DatabaseRequest.h"
 #include "set/log/LogCapture.h"
 #include "tests/set/database/TestDatabase.h"
@@ -127,6 +129,84 @@ TEST_F(InsertStatement, TwoAtATimeKeepTheirTextsApart) {
     EXPECT_TRUE(second.step());
     EXPECT_TRUE(first.step());
     EXPECT_EQ(valueOf(connection, "SELECT group_concat(a) FROM t"), "second,first");
+}
+
+TEST_F(InsertStatement, ItsTextsLastUntilItIsRunAndGoWithTheNextText) {
+    Statement statement;
+    statement.setConnection(connection);
+    const std::string longText(300, 'l');
+    for (const std::string& text : {std::string("s"), longText, std::string(), std::string("\xC3\xFF")}) {
+        statement.setSql("INSERT INTO t values('never run', '', '" + text + "');");
+        statement.compile();  // in place of the one before, which may have been left half done
+        statement.setSql("INSERT INTO t values('" + text + "', '', '" + text + "');");
+        statement.compile();
+        ASSERT_TRUE(statement.step()) << text;
+    }
+    statement.close();
+    EXPECT_EQ(
+        valueOf(connection, "SELECT group_concat(hex(a), ' ') FROM (SELECT a FROM t WHERE length(a) < 100)"),
+        "73  C3FF");
+    EXPECT_EQ(valueOf(connection, "SELECT a FROM t WHERE length(a) >= 100"), longText);
+    EXPECT_EQ(valueOf(connection, "SELECT count(*) FROM t WHERE a = 'never run'"), "0");
+}
+
+TEST_F(InsertStatement, MayOutliveItsConnection) {
+    Statement statement;
+    statement.setConnection(connection);
+    statement.setSql("INSERT INTO t values('a', '1', 'x');");
+    statement.compile();
+    statement.setConnection(openDatabase());
+    connection = Container::SharedPtr<Connection>();
+    EXPECT_TRUE(statement.step());
+    statement.close();
+    EXPECT_EQ(statement.handle(), nullptr);
+}
+
+TEST_F(InsertStatement, TheLastOfSeveralInATextIsAsAnyOther) {
+    Statement statement;
+    statement.setConnection(connection);
+    statement.setSql("INSERT INTO t values('a', '1', 'x'); INSERT INTO t values('it''s', '2', 'y');");
+    for (int count = 0; count < 2; ++count) {
+        EXPECT_TRUE(statement.hasMoreSql());
+        statement.compile();
+        EXPECT_TRUE(statement.step());
+    }
+    EXPECT_FALSE(statement.hasMoreSql());
+    EXPECT_EQ(valueOf(connection, "SELECT group_concat(a||n||u) FROM t"), "a1x,it's2y");
+}
+
+TEST_F(InsertStatement, DoesWhatSqliteMakesOfTheSameText) {
+    ASSERT_EQ(run(connection, "CREATE TABLE one (a, b)"), SQLITE_DONE);
+    ASSERT_EQ(run(connection, "CREATE TABLE other (a, b)"), SQLITE_DONE);
+    std::mt19937 random(11);
+    int taken = 0;
+    for (int round = 0; round < 2000; ++round) {
+        std::string row;
+        for (std::size_t length = random() % 12; length-- > 0;)
+            row += "'', ()a;'"[random() % 9];
+        row = "('" + row + "','');";
+        const auto insert = InsertText::of("INSERT INTO one values" + row);
+        taken += insert ? 1 : 0;
+        const int code = run(connection, "INSERT INTO one values" + row);
+        // A comment keeps the same text from being taken apart.
+        EXPECT_EQ(run(connection, "INSERT INTO other /**/ values" + row), code) << row;
+    }
+    EXPECT_GT(taken, 100);
+    EXPECT_EQ(valueOf(connection, "SELECT count(*) FROM (SELECT * FROM one EXCEPT SELECT * FROM other)"),
+              "0");
+    EXPECT_EQ(valueOf(connection, "SELECT (SELECT count(*) FROM one) = (SELECT count(*) FROM other)"), "1");
+    EXPECT_NE(valueOf(connection, "SELECT count(*) FROM one WHERE a LIKE '%''%'"), "0");
+}
+
+TEST_F(InsertStatement, AFaultInItsStepIsFoundByItsTexts) {
+    const DatabaseFault fault(DatabaseFault::Step, "'2'");
+    Statement statement;
+    statement.setConnection(connection);
+    for (const char* number : {"1", "2", "3"}) {
+        statement.setSql("INSERT INTO t values('a', '" + std::string(number) + "', '" + number + "');");
+        statement.compile();
+        EXPECT_EQ(statement.step(), number != std::string("2"));
+    }
 }
 
 TEST_F(InsertStatement, WhatFailsIsToldWithItsOwnText) {

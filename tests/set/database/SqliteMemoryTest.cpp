@@ -24,6 +24,7 @@ TEST(SqliteMemory, CountsWhatATableHolds) {
     ASSERT_EQ(run(connection, "CREATE TABLE kept AS SELECT hex(zeroblob(500000)) AS v"), SQLITE_DONE);
     EXPECT_GT(sqliteMemoryUsed(), before + 1'000'000);
     EXPECT_LT(sqliteMemoryUsed(), before + 2'000'000);
+    EXPECT_EQ(sqlite3_memory_used(), 0) << "SQLite counts as well";
 }
 
 TEST(SqliteMemory, GivesBackWhatAConnectionHeld) {

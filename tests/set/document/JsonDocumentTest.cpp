@@ -1,4 +1,6 @@
 #include <limits>
+#include <string>
+#include <utility>
 
 #include "tests/set/document/DocumentFixture.h"
 
@@ -23,6 +25,23 @@ TEST_F(JsonDocument, PrintsANullTextAsNullAndAnEmptyOneAsItIs) {
     TARNO_rdoc_add_UTF8(root(), "none", nullptr);
     TARNO_rdoc_add_UTF8(root(), "empty", "");
     EXPECT_EQ(json(), R"({"none":null,"empty":""})");
+}
+
+TEST_F(JsonDocument, EscapesWhatNeedsItAtAnyPlaceOfATextOfAnyLength) {
+    std::string expected;
+    for (const auto& [character, escape] :
+         {std::pair{'"', "\\\""}, std::pair{'\\', "\\\\"}, std::pair{'\n', "\\n"}}) {
+        for (std::size_t length = 1; length < 20; ++length) {
+            for (std::size_t place = 0; place < length; ++place) {
+                std::string text(length, 'x');
+                text[place] = character;
+                TARNO_rdoc_add_UTF8(root(), text.c_str(), text.c_str());
+                const std::string printed = '"' + text.replace(place, 1, escape) + '"';
+                expected += (expected.empty() ? "{" : ",") + printed + ":" + printed;
+            }
+        }
+    }
+    EXPECT_EQ(json(), expected + "}");
 }
 
 TEST_F(JsonDocument, PrintsEveryBooleanTextButTrueAsFalse) {

@@ -64,6 +64,20 @@ TEST(TextArchive, TakesAFractionOfWhatItsTextsDo) {
     EXPECT_LT(archived(texts).archive.bytes(), bytes / 3);
 }
 
+TEST(TextArchive, ATextOfAPoolIsKeptOnce) {
+    const std::vector<std::string> texts = manyTexts();
+    TextArchiveWriter once;
+    TextArchiveWriter often;
+    for (const std::string& text : texts)
+        once.add(text);
+    for (int time = 0; time < 5; ++time) {
+        for (const std::string& text : texts)
+            EXPECT_EQ(often.addOfPool(text).length, text.size());
+    }
+    const TextArchive archive = often.finish();
+    EXPECT_EQ(archive.bytes(), once.finish().bytes());
+}
+
 TEST(TextArchive, AThreadThatReadsOfSeveralTakesNoneForAnother) {
     const Archived one = archived({"one"});
     const Archived other = archived({"two"});
