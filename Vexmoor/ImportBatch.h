@@ -10,8 +10,8 @@
 /// Runs every statement of a text on its own; raises "Failed to create DB entry" when one fails.
 void runOrRaise(const std::string& sql, const Container::SharedPtr<Connection>& connection);
 
-/// While it lives, the statements of an import are committed a few hundred at a time, which saves a sixth
-/// of its time. What was written before a failure stays all the same: when SQLite rolls the transaction
+/// While it lives, the statements of an import are committed a few hundred at a time, which saves
+/// time. What was written before a failure stays all the same: when SQLite rolls the transaction
 /// back, as it does when the database is full, its statements are run again one by one. Inside a
 /// transaction that somebody else left open nothing is begun.
 class ImportBatch {
