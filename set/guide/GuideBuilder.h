@@ -31,7 +31,7 @@ public:
 
     GuideBuilder() = default;
 
-    /// A builder that goes on with the texts of a pool: texts that are in it already are not copied again.
+    /// A builder that goes on with the texts of a pool. Of these, the guide takes what its programmes hold.
     explicit GuideBuilder(TextPool texts) : texts_(std::move(texts)) {}
 
     /// Adds a channel and answers its handle for addProgramme; the programme fields are ignored.

@@ -143,7 +143,6 @@ LoadedGuide load(const std::function<void(GuideCollector&)>& collect, const Guid
     };
     GuideCollector collector({sources.maxProgrammes, sources.now, isHidden});
     collect(collector);
-    const std::size_t read = collector.programmes.size();
 
     ChannelList list = listChannels(collector.channels, lineup);
     placeProgrammes(collector, list);
@@ -162,8 +161,7 @@ LoadedGuide load(const std::function<void(GuideCollector&)>& collect, const Guid
     }
     warnOfBounds(bounded);
 
-    // Where texts of programmes that are not kept lie between the others, the builder copies what it needs.
-    GuideBuilder builder(programmes.size() == read ? std::exchange(collector.texts, {}) : TextPool());
+    GuideBuilder builder(std::exchange(collector.texts, {}));
     ids.startGuide();
     auto first = programmes.cbegin();
     std::uint32_t position = 0;
