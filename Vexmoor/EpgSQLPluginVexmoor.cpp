@@ -1,6 +1,7 @@
 // The plug-in class's static objects, and how the instance and its database are made.
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
 
+#include "Vexmoor/KeptMirror.h"
 #include "host/CTimerUtil.h"
 
 const Container::Logger pluginLogger = Container::Logger::logger("Vexmoor/EpgSQLPluginVexmoor");
@@ -30,6 +31,7 @@ Container::SharedPtr<EpgSQLPluginVexmoor> EpgSQLPluginVexmoor::Instance() {
 EpgSQLPluginVexmoor::ConnectionPtr EpgSQLPluginVexmoor::m_createSqlDB(const std::string& /*name*/) {
     ConnectionPtr connection(new Connection());
     connection->open(":memory:");
+    KeptMirror::forget();  // of a database that may have stood in the same place
     pluginLogger.debug("DB created [IN MEMORY]\n");
     m_configEpgDB(connection);
     return connection;

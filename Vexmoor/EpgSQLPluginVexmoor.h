@@ -18,6 +18,8 @@
 #include "host/Statement.h"
 #include "host/Uri.h"
 
+struct MirroredBooking;
+
 /// The class's one logger, "Vexmoor/EpgSQLPluginVexmoor".
 extern const Container::Logger pluginLogger;
 
@@ -257,11 +259,19 @@ protected:  // open to derived classes, so that each operation can be tried alon
 
     // Schedule mirror ----------------------------------------------------------------------------
 
+    /// Brings the schedule columns to what the store holds: by the next two, unless the table shows just
+    /// these bookings already and nobody has written to it since.
+    static void m_mirrorSchedules(ConnectionPtr connection);
+
     /// Clears the schedule columns, and the rows of manual bookings; 0.
     static int m_removeDBSchedData(ConnectionPtr connection);
 
     /// Writes the store's bookings into them: 0, or -1 when it stopped at a booking without a channel.
     static int m_updateDBSchedData(ConnectionPtr connection);
+
+    /// Writes one booking, with `update` where it has a programme; the number of statements that wrote.
+    static unsigned m_writeBooking(const MirroredBooking& booking, Statement& update,
+                                   ConnectionPtr connection);
 
     /// Adds the row of a manual booking, pruning the table when it is full.
     static void m_insertSchedData(const std::string& channelId, const std::string& channelNumber,

@@ -8,6 +8,7 @@
 #include <new>
 #include <utility>
 
+#include "Vexmoor/ChannelWalk.h"
 #include "Vexmoor/EpgSQLPluginVexmoorUtil.h"
 #include "Vexmoor/HeapText.h"
 #include "Vexmoor/TextCompare.h"
@@ -19,23 +20,14 @@ constexpr const char* scheduleIdPrefix = "sch_id_";
 constexpr long long noEnd = 4294967295LL;
 constexpr long long fourHours = 14400;
 
-/// Hands every digital channel of a key list to `visit`, as a new object, from the first on, until it
-/// answers true. Ends early without memory for a channel.
-template <typename Visit>
-void visitDigitalChannels(TCObjectSortedList& keys, Visit visit) {
-    for (bool more = keys.Seek(TCObjectSortedList::First, 0); more && keys.Data() != nullptr;
-         more = keys.Seek(TCObjectSortedList::Current, 1)) {
-        std::unique_ptr<TCChannel> channel(new (std::nothrow) TCChannel());
-        if (!channel) return;
-        if (g_pAppTV->ExistChannel(keys.Data(), channel.get(), 0) == 0 || channel->FlagDigital() == 0) {
-            adapterLogger.error(noDigitalChannelMessage);
-            continue;
-        }
-        if (visit(channel)) return;
-    }
+/// Reports a key without a digital channel; the walk goes on.
+bool logMissing() {
+    adapterLogger.error(noDigitalChannelMessage);
+    return false;
 }
 
-/// The same for the channels of all modes, in the order of the antenna table.
+/// Hands every digital channel of all modes, in the order of the antenna table, to `visit`, as a new object,
+/// until it answers true.
 template <typename Visit>
 void visitAllDigitalChannels(Visit visit) {
     bool found = false;
@@ -43,10 +35,13 @@ void visitAllDigitalChannels(Visit visit) {
         int count = 0;
         const ChannelKeyList keys(t_get_cached_channel_key_list(row.tvmode, &count));
         if (!keys) continue;
-        visitDigitalChannels(*keys, [&](std::unique_ptr<TCChannel>& channel) {
-            found = visit(channel);
-            return found;
-        });
+        visitDigitalChannels(
+            *keys,
+            [&](std::unique_ptr<TCChannel>& channel) {
+                found = visit(channel);
+                return found;
+            },
+            logMissing);
         if (found) return;
     }
 }
@@ -103,11 +98,14 @@ TCChannel* t_get_cached_channel_by_num(int tvmode, int major, int minor) {
         return nullptr;
     }
     std::unique_ptr<TCChannel> found;
-    visitDigitalChannels(*keys, [&](std::unique_ptr<TCChannel>& channel) {
-        if (channel->Major() != major || (minor != 0 && channel->Minor() != minor)) return false;
-        found = std::move(channel);
-        return true;
-    });
+    visitDigitalChannels(
+        *keys,
+        [&](std::unique_ptr<TCChannel>& channel) {
+            if (channel->Major() != major || (minor != 0 && channel->Minor() != minor)) return false;
+            found = std::move(channel);
+            return true;
+        },
+        logMissing);
     return found.release();
 }
 

@@ -101,8 +101,7 @@ int EpgSQLPluginVexmoor::ExecuteClientQuery(void* document, const char* method,
                                             TARNO_rstr_uri_path_st* pathRecord,
                                             TARNO_rstr_uri_query_st* queryRecord, char* body, int bodyLength,
                                             char* /*location*/) {
-    m_removeDBSchedData(epgDBConnection);
-    m_updateDBSchedData(epgDBConnection);
+    m_mirrorSchedules(epgDBConnection);
     if (pathRecord == nullptr || method == nullptr) {
         pluginLogger.trace("Null parameters supplied to m_ExecuteClientQuery\n");
         return 404;

@@ -1,7 +1,8 @@
 #include "Vexmoor/RowWriter.h"
 
+#include <utility>
+
 #include "Vexmoor/ColumnText.h"
-#include "Vexmoor/HeapText.h"
 #include "host/ResponseDocument.h"
 
 void EpgSQLPluginVexmoor::RowWriter::resolve(sqlite3_stmt* statement) {
@@ -11,6 +12,7 @@ void EpgSQLPluginVexmoor::RowWriter::resolve(sqlite3_stmt* statement) {
             m_convertColNameToUrParam(name, m_keyView, unused);  // which warns, for each row
         return;
     }
+    std::map<std::string, Column> columns;  // of two with the same key the later one
     const int columnCount = sqlite3_data_count(statement);
     for (int i = 0; i < columnCount; ++i) {
         const char* const columnName = sqlite3_column_name(statement, i);
@@ -18,32 +20,42 @@ void EpgSQLPluginVexmoor::RowWriter::resolve(sqlite3_stmt* statement) {
         std::string key;
         m_convertColNameToUrParam(name, m_keyView, key);
         if (key == name) m_unknownNames.push_back(name);
+        const Form form = key == "start" || key == "end" ? Form::Time
+                          : key == "scrambled"           ? Form::Flag
+                                                         : Form::Text;
         const bool isTime = name == "ProgramStartTime" || name == "ProgramEndTime";
-        m_columns[key] = {.index = i, .isTime = isTime};
+        columns[key] = {key, i, form, isTime};
     }
+    for (auto& [key, column] : columns)
+        m_columns.push_back(std::move(column));
+}
+
+void EpgSQLPluginVexmoor::RowWriter::writeTime(void* object, const Column& column, sqlite3_stmt* statement) {
+    const int time = column.isTime ? sqlite3_column_int(statement, column.index)
+                                   : t_read_int(columnText(statement, column.index));
+    if (!m_timeText || time != m_time) {
+        m_time = time;
+        m_timeText.reset(t_get_ISO8601_from_UNIX(time));
+    }
+    TARNO_rdoc_add_UTF8(object, column.key.c_str(), m_timeText.get());
 }
 
 void EpgSQLPluginVexmoor::RowWriter::write(void* object, sqlite3_stmt* statement) {
     resolve(statement);
-    for (const auto& [name, column] : m_columns) {
-        const auto [index, isTime] = column;
-        const char* const key = name.c_str();
-        if (name == "start" || name == "end") {
-            const int time =
-                isTime ? sqlite3_column_int(statement, index) : t_read_int(columnText(statement, index));
-            const HeapText text(t_get_ISO8601_from_UNIX(time));
-            TARNO_rdoc_add_UTF8(object, key, text.get());
-        } else if (name == "scrambled") {
-            TARNO_rdoc_add_boolean(object, key, columnText(statement, index));
-        } else {
-            TARNO_rdoc_add_UTF8(object, key, columnText(statement, index));
+    for (const Column& column : m_columns) {
+        if (column.form == Form::Time) {
+            writeTime(object, column, statement);
+            continue;
         }
+        const char* const text = columnText(statement, column.index);
+        const auto add = column.form == Form::Flag ? &TARNO_rdoc_add_boolean : &TARNO_rdoc_add_UTF8;
+        add(object, column.key.c_str(), text);
     }
 }
 
 void EpgSQLPluginVexmoor::RowWriter::read(sqlite3_stmt* statement, std::map<std::string, std::string>& row) {
     resolve(statement);
-    for (const auto& [key, column] : m_columns)
-        row[key] = column.isTime ? std::to_string(sqlite3_column_int(statement, column.index))
-                                 : columnText(statement, column.index);
+    for (const Column& column : m_columns)
+        row[column.key] = column.isTime ? std::to_string(sqlite3_column_int(statement, column.index))
+                                        : columnText(statement, column.index);
 }

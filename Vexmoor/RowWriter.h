@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
+#include "Vexmoor/HeapText.h"
 
 /// The rows of one statement as objects of the document. The columns are resolved at the first row.
 class EpgSQLPluginVexmoor::RowWriter {
@@ -21,14 +22,24 @@ public:
     void read(sqlite3_stmt* statement, std::map<std::string, std::string>& row);
 
 private:
+    /// How the texts of a column go into the document.
+    enum class Form { Text, Time, Flag };
+
     struct Column {
+        std::string key;
         int index;
+        Form form;
         bool isTime;  ///< of the table: read as a number of 32 bits
     };
 
     void resolve(sqlite3_stmt* statement);
+    void writeTime(void* object, const Column& column, sqlite3_stmt* statement);
 
     int m_keyView;
     std::vector<std::string> m_unknownNames;  ///< of columns that stand under their own names
-    std::map<std::string, Column> m_columns;  ///< by key; of two with the same key the later one
+    std::vector<Column> m_columns;            ///< ascending by key, which are unique
+
+    // The last time written and its text: most programmes begin when the one before has ended.
+    int m_time = 0;
+    HeapText m_timeText;
 };

@@ -1,13 +1,19 @@
 // The schedule mirror: the reminder store's bookings in the table's schedule columns.
+#include <algorithm>
 #include <initializer_list>
+#include <iterator>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "Vexmoor/CachedChannels.h"
 #include "Vexmoor/ColumnText.h"
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
 #include "Vexmoor/HeapText.h"
+#include "Vexmoor/KeptMirror.h"
 #include "host/CRemindInfo.h"
 #include "host/CReminder.h"
 #include "host/ChannelSource.h"
@@ -17,9 +23,6 @@ namespace {
 constexpr int allBookings = 2;  // the kind of bookings asked for, the middleware's number
 constexpr int insertRetries = 5;
 constexpr int prunedPerRetry = 5;
-
-/// Marks the row of a manual booking.
-const char* const manualBooking = "scheduled_event";
 
 struct DeleteChannelSource {
     void operator()(ws_epg_channel_source* source) const { t_delete_channel_source(source); }
@@ -60,22 +63,22 @@ int run(Statement& statement, const std::string& sql) {
     return sqlite3_step(statement.handle());
 }
 
-}  // namespace
-
-int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
+/// Clears the schedule columns and answers how many statements that took.
+unsigned clearSchedules(const Container::SharedPtr<Connection>& connection) {
     Statement scheduled;
     scheduled.setConnection(connection);
-    scheduled.setSql("SELECT ScheduleId, ProgramName FROM myView WHERE NOT ScheduleId='';");
+    scheduled.setSql(scheduledRowsSql);
     scheduled.compile();
     Statement change;
     change.setConnection(connection);
-    while (sqlite3_step(scheduled.handle()) == SQLITE_ROW) {
+    unsigned writes = 0;
+    for (; sqlite3_step(scheduled.handle()) == SQLITE_ROW; ++writes) {
         const std::string id = columnText(scheduled.handle(), 0);
         const std::string name = columnText(scheduled.handle(), 1);
         pluginLogger.trace("A schedule has been found:%s, %s\n", id, name);
         // NULL and not an empty text, on purpose: pruning passes over rows that were once booked.
         const std::string sql =
-            name == manualBooking
+            name == manualBookingName
                 ? "DELETE FROM myView WHERE ScheduleId='" + id + "';"
                 : "UPDATE myView SET ScheduleId=NULL, ScheduleType=NULL, Repeat=NULL WHERE ScheduleId='" +
                       id + "';";
@@ -84,64 +87,126 @@ int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
     }
     scheduled.close();
     change.close();
-    return 0;
+    return writes;
 }
 
-int EpgSQLPluginVexmoor::m_updateDBSchedData(ConnectionPtr connection) {
+CachedChannels::Number channelNumber(const CRemindInfo& info) {
+    return {TCChannel::GetTVMode(info.ChannelType()), info.Major(), info.Minor()};
+}
+
+/// What the mirror writes for a booking on that channel; nothing when there is none.
+std::optional<MirroredBooking> mirrored(CRemindInfo& info, TCChannel* channel) {
+    TCProgram program;
+    info.CopyDetailsInto(program);
+    if (!channel) {
+        pluginLogger.error("ERROR! get remind item failed!\n");
+        return std::nullopt;
+    }
+    MirroredBooking booking;
+    const ChannelSource source(t_create_channel_source(channel));
+    const auto field = [&source](char* ws_epg_channel_source::*member) {
+        return source ? textOf(source.get()->*member) : std::string();
+    };
+    booking.channelId = field(&ws_epg_channel_source::channel_id);
+    pluginLogger.trace("Determining program name..\n");
+    booking.programId = takeText(t_get_program_id(channel, &program));
+    pluginLogger.trace("Determining schedule details\n");
+    const unsigned short* title = info.GetTitle();
+    booking.scheduleId = takeText(t_get_schedule_id(&info));
+    booking.scheduleType = takeText(t_get_schedule_status_str(info.ReserveType()));
+    booking.repeat = takeText(t_get_schedule_repeat(&info));
+    booking.isManual = title == nullptr || title[0] == 0;
+    if (!booking.isManual) return booking;
+    booking.channelNumber = field(&ws_epg_channel_source::channel_num);
+    booking.channelName = field(&ws_epg_channel_source::channel_name);
+    booking.serviceType = field(&ws_epg_channel_source::service_type);
+    booking.antenna = field(&ws_epg_channel_source::antenna);
+    booking.scrambled = field(&ws_epg_channel_source::scrambled);
+    booking.start = std::to_string(program.StartTime());
+    booking.end = std::to_string(program.EndTime());
+    return booking;
+}
+
+/// Hands `take` what the mirror writes for each of the store's bookings: 0, or -1 when it stopped at one
+/// without a channel.
+template <typename Take>
+int visitBookings(Take take) {
     pluginLogger.trace("Getting remind items\n");
     CReminder* reminder = CReminder::GetInstance();
     if (reminder == nullptr) return 0;
     int count = 0;
     std::vector<CRemindInfo> items;
     reminder->GetRemindItemByType(count, items, allBookings);
-
-    Statement update;
-    update.setConnection(connection);
+    std::vector<CachedChannels::Number> numbers;
+    std::ranges::transform(items, std::back_inserter(numbers), channelNumber);
+    const CachedChannels channels(numbers);
     for (int i = 0; i < count && i < static_cast<int>(items.size()); ++i) {
         pluginLogger.trace("Getting remind item: %d\n", i);
-        CRemindInfo info = items[static_cast<std::size_t>(i)];
-        const std::unique_ptr<TCChannel> channel(t_get_cached_channel_by_num(
-            TCChannel::GetTVMode(info.ChannelType()), info.Major(), info.Minor()));
-        TCProgram program;
-        info.CopyDetailsInto(program);
-        if (!channel) {
-            pluginLogger.error("ERROR! get remind item failed!\n");
-            update.close();
-            return -1;
-        }
-        const ChannelSource source(t_create_channel_source(channel.get()));
-        const auto field = [&source](char* ws_epg_channel_source::*member) {
-            return source ? textOf(source.get()->*member) : std::string();
-        };
-        const std::string channelId = field(&ws_epg_channel_source::channel_id);
-        pluginLogger.trace("Determining program name..\n");
-        const std::string programId = takeText(t_get_program_id(channel.get(), &program));
-        pluginLogger.trace("Determining schedule details\n");
-        const unsigned short* title = info.GetTitle();
-        const std::string scheduleId = takeText(t_get_schedule_id(&info));
-        const std::string scheduleType = takeText(t_get_schedule_status_str(info.ReserveType()));
-        const std::string repeat = takeText(t_get_schedule_repeat(&info));
-
-        if (title != nullptr && title[0] != 0) {
-            const std::string sql = "UPDATE myView SET ScheduleId='" + scheduleId + "', ScheduleType='" +
-                                    scheduleType + "', Repeat='" + repeat + "' WHERE ChannelId='" +
-                                    channelId + "' AND EventId='" + programId + "';";
-            pluginLogger.trace("SQL STATEMENT: %s\n", sql);
-            if (run(update, sql) == SQLITE_DONE) pluginLogger.trace("Schedule data updated!\n");
-            continue;
-        }
-        pluginLogger.trace("Remind info: ChnldId: %s, EventId: %s, SchedId: %s\n", channelId, programId,
-                           scheduleId);
-        if (m_checkIfEventIsInDB(channelId, programId, scheduleId, connection)) continue;
-        m_insertSchedData(channelId, field(&ws_epg_channel_source::channel_num),
-                          field(&ws_epg_channel_source::channel_name),
-                          field(&ws_epg_channel_source::service_type), field(&ws_epg_channel_source::antenna),
-                          field(&ws_epg_channel_source::scrambled), programId,
-                          std::to_string(program.StartTime()), std::to_string(program.EndTime()), scheduleId,
-                          scheduleType, repeat, connection);
+        const auto place = static_cast<std::size_t>(i);
+        CRemindInfo info = items[place];
+        const auto& [tvmode, major, minor] = numbers[place];
+        std::unique_ptr<TCChannel> channel;
+        if (channels.of(place) == nullptr) channel.reset(t_get_cached_channel_by_num(tvmode, major, minor));
+        std::optional<MirroredBooking> booking = mirrored(info, channel ? channel.get() : channels.of(place));
+        if (!booking) return -1;
+        take(std::move(*booking));
     }
-    update.close();
     return 0;
+}
+
+}  // namespace
+
+void EpgSQLPluginVexmoor::m_mirrorSchedules(ConnectionPtr connection) {
+    if (pluginLogger.isTraceEnabled()) {  // whoever reads the trace wants to see every step of it
+        m_removeDBSchedData(connection);
+        m_updateDBSchedData(connection);
+        return;
+    }
+    std::vector<MirroredBooking> bookings;
+    visitBookings([&bookings](MirroredBooking booking) { bookings.push_back(std::move(booking)); });
+    if (KeptMirror::holds(connection, bookings)) return;
+    const KeptMirror::Version before = KeptMirror::versionOf(connection);
+    unsigned writes = clearSchedules(connection);
+    {
+        Statement update;
+        update.setConnection(connection);
+        for (const MirroredBooking& booking : bookings)
+            writes += m_writeBooking(booking, update, connection);
+    }
+    KeptMirror::keep(connection, before, writes, std::move(bookings));
+}
+
+int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
+    clearSchedules(connection);
+    return 0;
+}
+
+int EpgSQLPluginVexmoor::m_updateDBSchedData(ConnectionPtr connection) {
+    Statement update;
+    update.setConnection(connection);
+    return visitBookings([&update, &connection](const MirroredBooking& booking) {
+        m_writeBooking(booking, update, connection);
+    });
+}
+
+unsigned EpgSQLPluginVexmoor::m_writeBooking(const MirroredBooking& booking, Statement& update,
+                                             ConnectionPtr connection) {
+    if (!booking.isManual) {
+        const std::string sql = "UPDATE myView SET ScheduleId='" + booking.scheduleId + "', ScheduleType='" +
+                                booking.scheduleType + "', Repeat='" + booking.repeat +
+                                "' WHERE ChannelId='" + booking.channelId + "' AND EventId='" +
+                                booking.programId + "';";
+        pluginLogger.trace("SQL STATEMENT: %s\n", sql);
+        if (run(update, sql) == SQLITE_DONE) pluginLogger.trace("Schedule data updated!\n");
+        return 1;
+    }
+    pluginLogger.trace("Remind info: ChnldId: %s, EventId: %s, SchedId: %s\n", booking.channelId,
+                       booking.programId, booking.scheduleId);
+    if (m_checkIfEventIsInDB(booking.channelId, booking.programId, booking.scheduleId, connection)) return 0;
+    m_insertSchedData(booking.channelId, booking.channelNumber, booking.channelName, booking.serviceType,
+                      booking.antenna, booking.scrambled, booking.programId, booking.start, booking.end,
+                      booking.scheduleId, booking.scheduleType, booking.repeat, connection);
+    return 1;
 }
 
 bool EpgSQLPluginVexmoor::m_checkIfEventIsInDB(const std::string& channelId, const std::string& eventId,
@@ -167,7 +232,7 @@ void EpgSQLPluginVexmoor::m_insertSchedData(const std::string& channelId, const 
                                             ConnectionPtr connection) {
     std::string sql;
     try {
-        const std::string name = manualBooking;
+        const std::string name = manualBookingName;
         sql = insertText({&channelId, &channelNumber, &channelName, nullptr, &serviceType, &antennaType,
                           &scrambledFlag, &eventId, &name, &startTime, &endTime, &scheduleId, &scheduleType,
                           &repeat});

@@ -1,0 +1,63 @@
+// What the schedule columns were last written from, as long as the table holds just that.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Connection.h"
+#include "host/SharedPtr.h"
+
+/// One booking as the mirror writes it: into the row of its programme, or as a row of its own.
+struct MirroredBooking {
+    std::string channelId;
+    std::string programId;
+    std::string scheduleId;
+    std::string scheduleType;
+    std::string repeat;
+
+    bool isManual = false;
+    // Of a manual booking alone:
+    std::string channelNumber;
+    std::string channelName;
+    std::string serviceType;
+    std::string antenna;
+    std::string scrambled;
+    std::string start;
+    std::string end;
+
+    bool operator==(const MirroredBooking&) const = default;
+};
+
+/// The name of a manual booking's row.
+constexpr const char* manualBookingName = "scheduled_event";
+
+/// The rows with a schedule: its identifier, and the programme's name.
+constexpr const char* scheduledRowsSql =
+    "SELECT ScheduleId, ProgramName FROM myView WHERE NOT ScheduleId='';";
+
+/// Remembers the last mirror, so that bookings which the table shows already are not cleared and written
+/// again: that would end in the very same table. What the table holds is told by SQLite's version of the
+/// database, which counts the transactions, whoever wrote them.
+///
+/// Used by any thread: of two that mirror at once, one finds nothing kept.
+class KeptMirror {
+public:
+    using ConnectionPtr = Container::SharedPtr<Connection>;
+
+    /// The version of what is committed; nothing inside a transaction, which may still be undone.
+    using Version = std::optional<unsigned>;
+    static Version versionOf(const ConnectionPtr& connection);
+
+    /// Whether the table is as the mirror of just these bookings left it.
+    static bool holds(const ConnectionPtr& connection, const std::vector<MirroredBooking>& bookings);
+
+    /// Remembers a mirror that has just been written in `writes` statements, beginning at version `before`.
+    /// Not when somebody else wrote meanwhile or one of the statements failed, and not when writing it again
+    /// would change anything.
+    static void keep(const ConnectionPtr& connection, Version before, unsigned writes,
+                     std::vector<MirroredBooking> bookings);
+
+    /// Makes the next mirror be written, whatever the table holds.
+    static void forget();
+};
