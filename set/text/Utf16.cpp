@@ -2,8 +2,6 @@
 
 #include <utf8proc.h>
 
-#include <array>
-
 #include "set/text/Utf8.h"
 
 namespace epgset {
@@ -79,10 +77,13 @@ private:
     std::size_t written_ = 0;
 };
 
-void appendUtf8(std::string& text, char32_t character) {
-    std::array<utf8proc_uint8_t, 4> bytes{};
-    const auto length = utf8proc_encode_char(static_cast<utf8proc_int32_t>(character), bytes.data());
-    text.append(reinterpret_cast<const char*>(bytes.data()), static_cast<std::size_t>(length));
+/// A unit takes this many bytes of UTF-8 at most, and two that are a pair four.
+constexpr std::size_t mostBytesOfUnit = 3;
+
+/// Writes a character and answers where the next one goes.
+char* putUtf8(char* place, char32_t character) {
+    return place + utf8proc_encode_char(static_cast<utf8proc_int32_t>(character),
+                                        reinterpret_cast<utf8proc_uint8_t*>(place));
 }
 
 bool isHighSurrogate(char32_t unit) {
@@ -119,27 +120,21 @@ std::string utf8FromUtf16(std::span<const unsigned short> units, std::endian ord
         const unsigned unit = units[index];
         return order == std::endian::native ? unit : ((unit & 0xFFU) << 8) | (unit >> 8);
     };
-    std::string text;
-    text.reserve(units.size());
+    std::string text(units.size() * mostBytesOfUnit, '\0');
+    char* end = text.data();
     for (std::size_t index = 0; index < units.size(); ++index) {
-        // Most texts are ASCII for the most part.
-        const std::size_t begin = index;
-        while (index < units.size() && unitAt(index) < 0x80)
-            ++index;
-        const std::size_t written = text.size();
-        text.resize(written + (index - begin));
-        for (std::size_t place = begin; place < index; ++place)
-            text[written + (place - begin)] = static_cast<char>(unitAt(place));
-        if (index == units.size()) break;
-
         const char32_t unit = unitAt(index);
-        if (isHighSurrogate(unit) && index + 1 < units.size() && isLowSurrogate(unitAt(index + 1))) {
+        if (unit < 0x80) {
+            *end++ = static_cast<char>(unit);
+        } else if (isHighSurrogate(unit) && index + 1 < units.size() && isLowSurrogate(unitAt(index + 1))) {
             ++index;
-            appendUtf8(text, firstSupplementary + ((unit & 0x3FFU) << 10) + (unitAt(index) & 0x3FFU));
+            end = putUtf8(end, firstSupplementary + ((unit & 0x3FFU) << 10) + (unitAt(index) & 0x3FFU));
         } else {
-            appendUtf8(text, isHighSurrogate(unit) || isLowSurrogate(unit) ? replacement : unit);
+            end = putUtf8(end, isHighSurrogate(unit) || isLowSurrogate(unit) ? replacement : unit);
         }
     }
+    text.resize(static_cast<std::size_t>(end - text.data()));
+    text.shrink_to_fit();
     return text;
 }
 
