@@ -38,10 +38,9 @@ private:
     std::string_view text_;
 };
 
-char* copyWithNul(std::string_view text, char* out) {
+void copyWithNul(std::string_view text, char* out) {
     if (!text.empty()) std::memcpy(out, text.data(), text.size());
     out[text.size()] = '\0';
-    return out + text.size() + 1;
 }
 
 bool isAncestor(const DocumentObject& candidate, const DocumentObject& object) {
@@ -99,17 +98,17 @@ void Document::addBoolean(DocumentObject& object, const char* key, bool value) n
 DocumentMember* Document::addMember(DocumentObject& object, const char* key, std::string_view text) {
     const std::string_view keyText = key == nullptr ? std::string_view() : key;
     if (keyText.size() > longestText || text.size() > longestText) throw std::bad_alloc();
-    const CleanText cleanKey(keyText);
+    const std::string_view kept = key == nullptr ? std::string_view("") : keptKey(keyText);
     const CleanText cleanText(text);
-    const std::size_t keyLength = cleanKey.view().size();
     const std::size_t textLength = cleanText.view().size();
 
-    void* block = allocate(sizeof(DocumentMember) + keyLength + textLength + 2);
+    void* block = allocate(sizeof(DocumentMember) + textLength + 1);
     auto* member = new (block) DocumentMember;
-    char* texts = static_cast<char*>(block) + sizeof(DocumentMember);
-    copyWithNul(cleanText.view(), copyWithNul(cleanKey.view(), texts));
-    member->keyStart = texts;
-    member->keyLength = static_cast<std::uint32_t>(keyLength);
+    char* const textStart = static_cast<char*>(block) + sizeof(DocumentMember);
+    copyWithNul(cleanText.view(), textStart);
+    member->keyStart = kept.data();
+    member->keyLength = static_cast<std::uint32_t>(kept.size());
+    member->textStart = textStart;
     member->textLength = static_cast<std::uint32_t>(textLength);
     member->named = key != nullptr;
 
@@ -117,6 +116,19 @@ DocumentMember* Document::addMember(DocumentObject& object, const char* key, std
     object.last = member;
     object.hasNamed = object.hasNamed || member->named;
     return member;
+}
+
+std::string_view Document::keptKey(std::string_view key) {
+    for (std::size_t tried = 0; tried < keyCount_; ++tried) {
+        const std::size_t place = nextKey_ < keyCount_ ? nextKey_ : 0;
+        nextKey_ = place + 1;
+        if (keys_[place] == key) return keys_[place];
+    }
+    const CleanText clean(key);
+    char* const kept = static_cast<char*>(allocate(clean.view().size() + 1));
+    copyWithNul(clean.view(), kept);
+    if (keyCount_ < mostKeys) keys_[keyCount_++] = {kept, clean.view().size()};
+    return {kept, clean.view().size()};
 }
 
 DocumentMember* Document::tryAddMember(DocumentObject& object, const char* key,

@@ -5,6 +5,7 @@
 // thread at a time.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory_resource>
@@ -21,8 +22,9 @@ struct DocumentMember {
 
     DocumentMember* next = nullptr;  ///< the one added after it
     const char* keyStart = nullptr;  ///< ended by a NUL, as the text is
+    const char* textStart = nullptr;
     std::uint32_t keyLength = 0;
-    std::uint32_t textLength = 0;  ///< of a Text, which stands behind the key's NUL
+    std::uint32_t textLength = 0;
     union {
         std::int32_t integer = 0;
         bool boolean;
@@ -32,7 +34,7 @@ struct DocumentMember {
     bool named = false;
 
     std::string_view key() const { return {keyStart, keyLength}; }
-    std::string_view text() const { return {keyStart + keyLength + 1, textLength}; }
+    std::string_view text() const { return {textStart, textLength}; }
 };
 
 /// An object of a document. Its address does not change.
@@ -88,6 +90,14 @@ private:
     DocumentMember* addMember(DocumentObject& object, const char* key, std::string_view text);
     DocumentMember* tryAddMember(DocumentObject& object, const char* key, std::string_view text) noexcept;
     void* allocate(std::size_t bytes);
+    std::string_view keptKey(std::string_view key);
+
+    /// Keys of members that came before, as they stand in the arena: objects of a list have the same ones, in
+    /// the same order.
+    static constexpr std::size_t mostKeys = 24;
+    std::array<std::string_view, mostKeys> keys_;
+    std::size_t keyCount_ = 0;
+    std::size_t nextKey_ = 0;  ///< the one behind that which came last
 
     std::pmr::monotonic_buffer_resource arena_{16 * 1024};
     std::size_t byteCount_ = 0;

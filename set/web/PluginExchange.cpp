@@ -65,6 +65,17 @@ void PluginRequest::getQuery(std::string& query) const {
     query = request_.query;
 }
 
+std::streamsize TextCollector::xsputn(const char* text, std::streamsize length) {
+    text_.append(text, static_cast<std::size_t>(length));
+    return length;
+}
+
+TextCollector::int_type TextCollector::overflow(int_type character) {
+    if (!traits_type::eq_int_type(character, traits_type::eof()))
+        text_.push_back(traits_type::to_char_type(character));
+    return traits_type::not_eof(character);
+}
+
 void PluginResponse::setHeader(const std::string& name, const std::string& value) {
     touched_ = true;
     epgset::setHeader(response_.headers, name, value);
@@ -76,7 +87,7 @@ void PluginResponse::setStatus(int status) {
 }
 
 std::ostream& PluginResponse::getOutputStream() {
-    return body_;
+    return stream_;
 }
 
 void PluginResponse::commitHeaders() {
@@ -84,7 +95,7 @@ void PluginResponse::commitHeaders() {
 }
 
 bool PluginResponse::untouched() const {
-    return !touched_ && body_.view().empty();
+    return !touched_ && body_.isEmpty();
 }
 
 WebResponse PluginResponse::finish() {
@@ -96,12 +107,11 @@ WebResponse PluginResponse::finish() {
         response_.status = 500;
     }
     // A stream keeps to itself that it had no memory for what was written.
-    const bool whole = !body_.bad();
-    response_.body = std::move(body_).str();
+    const bool whole = !stream_.bad();
+    response_.body = body_.take();
     if (!whole) response_ = textResponse(500, "out of memory");
     touched_ = false;
-    body_.clear();
-    body_.str({});
+    stream_.clear();
     return std::exchange(response_, WebResponse());
 }
 

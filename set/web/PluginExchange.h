@@ -1,8 +1,11 @@
 // The request and response objects that a plug-in sees, over plain data.
 #pragma once
 
+#include <ostream>
 #include <sstream>
+#include <streambuf>
 #include <string>
+#include <utility>
 
 #include "host/HttpRequest.h"
 #include "host/HttpResponse.h"
@@ -32,6 +35,21 @@ private:
     std::istringstream body_;
 };
 
+/// Collects what is written to a stream, a long text in one piece.
+class TextCollector final : public std::streambuf {
+public:
+    bool isEmpty() const { return text_.empty(); }
+
+    /// What was written, which is not here any more afterwards.
+    std::string take() { return std::exchange(text_, {}); }
+
+private:
+    std::streamsize xsputn(const char* text, std::streamsize length) override;
+    int_type overflow(int_type character) override;
+
+    std::string text_;
+};
+
 /// Records what a plug-in writes.
 class PluginResponse final : public Container::HttpResponse {
 public:
@@ -51,7 +69,8 @@ public:
 private:
     bool touched_ = false;
     WebResponse response_;
-    std::ostringstream body_;
+    TextCollector body_;
+    std::ostream stream_{&body_};
 };
 
 }  // namespace epgset
