@@ -1,5 +1,6 @@
 #include "Vexmoor/RowWriter.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "Vexmoor/ColumnText.h"
@@ -33,11 +34,14 @@ void EpgSQLPluginVexmoor::RowWriter::resolve(sqlite3_stmt* statement) {
 void EpgSQLPluginVexmoor::RowWriter::writeTime(void* object, const Column& column, sqlite3_stmt* statement) {
     const int time = column.isTime ? sqlite3_column_int(statement, column.index)
                                    : t_read_int(columnText(statement, column.index));
-    if (!m_timeText || time != m_time) {
-        m_time = time;
-        m_timeText.reset(t_get_ISO8601_from_UNIX(time));
+    auto written = std::ranges::find_if(
+        m_times, [time](const WrittenTime& lately) { return lately.text && lately.time == time; });
+    if (written == m_times.end()) {
+        written = m_times.begin() + m_oldestTime;
+        *written = {time, HeapText(t_get_ISO8601_from_UNIX(time))};
+        m_oldestTime = (m_oldestTime + 1) % m_times.size();
     }
-    TARNO_rdoc_add_UTF8(object, column.key.c_str(), m_timeText.get());
+    TARNO_rdoc_add_UTF8(object, column.key.c_str(), written->text.get());
 }
 
 void EpgSQLPluginVexmoor::RowWriter::write(void* object, sqlite3_stmt* statement) {

@@ -3,6 +3,8 @@
 
 #include <sqlite3.h>
 
+#include <array>
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -39,7 +41,13 @@ private:
     std::vector<std::string> m_unknownNames;  ///< of columns that stand under their own names
     std::vector<Column> m_columns;            ///< ascending by key, which are unique
 
-    // The last time written and its text: most programmes begin when the one before has ended.
-    int m_time = 0;
-    HeapText m_timeText;
+    struct WrittenTime {
+        int time = 0;
+        HeapText text;
+    };
+
+    /// Times written lately, each in the place of the oldest. Most programmes begin when the one before has
+    /// ended, and a row has its end before its start: that is three times ago.
+    std::array<WrittenTime, 3> m_times;
+    std::size_t m_oldestTime = 0;
 };
