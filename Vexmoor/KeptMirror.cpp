@@ -51,7 +51,7 @@ bool hasTriggers(const KeptMirror::ConnectionPtr& connection) {
 bool isRepeatable(const KeptMirror::ConnectionPtr& connection, const std::vector<MirroredBooking>& bookings) {
     std::map<std::string_view, bool> manualById;
     for (const MirroredBooking& booking : bookings)
-        if (!manualById.emplace(booking.scheduleId, booking.isManual).second) return false;
+        if (!manualById.emplace(booking.scheduleId, booking.manual.has_value()).second) return false;
     Statement scheduled;
     scheduled.setConnection(connection);
     scheduled.setSql(scheduledRowsSql);

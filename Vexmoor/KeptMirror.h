@@ -16,15 +16,19 @@ struct MirroredBooking {
     std::string scheduleType;
     std::string repeat;
 
-    bool isManual = false;
-    // Of a manual booking alone:
-    std::string channelNumber;
-    std::string channelName;
-    std::string serviceType;
-    std::string antenna;
-    std::string scrambled;
-    std::string start;
-    std::string end;
+    /// The rest of the row of a manual booking, which has one of its own.
+    struct ManualRow {
+        std::string channelNumber;
+        std::string channelName;
+        std::string serviceType;
+        std::string antenna;
+        std::string scrambled;
+        std::string start;
+        std::string end;
+
+        bool operator==(const ManualRow&) const = default;
+    };
+    std::optional<ManualRow> manual;
 
     bool operator==(const MirroredBooking&) const = default;
 };

@@ -115,15 +115,14 @@ std::optional<MirroredBooking> mirrored(CRemindInfo& info, TCChannel* channel) {
     booking.scheduleId = takeText(t_get_schedule_id(&info));
     booking.scheduleType = takeText(t_get_schedule_status_str(info.ReserveType()));
     booking.repeat = takeText(t_get_schedule_repeat(&info));
-    booking.isManual = title == nullptr || title[0] == 0;
-    if (!booking.isManual) return booking;
-    booking.channelNumber = field(&ws_epg_channel_source::channel_num);
-    booking.channelName = field(&ws_epg_channel_source::channel_name);
-    booking.serviceType = field(&ws_epg_channel_source::service_type);
-    booking.antenna = field(&ws_epg_channel_source::antenna);
-    booking.scrambled = field(&ws_epg_channel_source::scrambled);
-    booking.start = std::to_string(program.StartTime());
-    booking.end = std::to_string(program.EndTime());
+    if (title != nullptr && title[0] != 0) return booking;
+    booking.manual = {.channelNumber = field(&ws_epg_channel_source::channel_num),
+                      .channelName = field(&ws_epg_channel_source::channel_name),
+                      .serviceType = field(&ws_epg_channel_source::service_type),
+                      .antenna = field(&ws_epg_channel_source::antenna),
+                      .scrambled = field(&ws_epg_channel_source::scrambled),
+                      .start = std::to_string(program.StartTime()),
+                      .end = std::to_string(program.EndTime())};
     return booking;
 }
 
@@ -191,7 +190,7 @@ int EpgSQLPluginVexmoor::m_updateDBSchedData(ConnectionPtr connection) {
 
 unsigned EpgSQLPluginVexmoor::m_writeBooking(const MirroredBooking& booking, Statement& update,
                                              ConnectionPtr connection) {
-    if (!booking.isManual) {
+    if (!booking.manual) {
         const std::string sql = "UPDATE myView SET ScheduleId='" + booking.scheduleId + "', ScheduleType='" +
                                 booking.scheduleType + "', Repeat='" + booking.repeat +
                                 "' WHERE ChannelId='" + booking.channelId + "' AND EventId='" +
@@ -203,9 +202,10 @@ unsigned EpgSQLPluginVexmoor::m_writeBooking(const MirroredBooking& booking, Sta
     pluginLogger.trace("Remind info: ChnldId: %s, EventId: %s, SchedId: %s\n", booking.channelId,
                        booking.programId, booking.scheduleId);
     if (m_checkIfEventIsInDB(booking.channelId, booking.programId, booking.scheduleId, connection)) return 0;
-    m_insertSchedData(booking.channelId, booking.channelNumber, booking.channelName, booking.serviceType,
-                      booking.antenna, booking.scrambled, booking.programId, booking.start, booking.end,
-                      booking.scheduleId, booking.scheduleType, booking.repeat, connection);
+    const MirroredBooking::ManualRow& row = *booking.manual;
+    m_insertSchedData(booking.channelId, row.channelNumber, row.channelName, row.serviceType, row.antenna,
+                      row.scrambled, booking.programId, row.start, row.end, booking.scheduleId,
+                      booking.scheduleType, booking.repeat, connection);
     return 1;
 }
 

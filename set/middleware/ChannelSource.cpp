@@ -19,8 +19,9 @@ namespace {
 
 /// A copy that the record owns; null without memory.
 char* copyOf(std::string_view text) {
-    auto* const copy = static_cast<char*>(std::calloc(text.size() + 1, 1));
-    if (copy) std::copy(text.begin(), text.end(), copy);
+    auto* const copy = static_cast<char*>(std::malloc(text.size() + 1));
+    if (!copy) return nullptr;
+    *std::copy(text.begin(), text.end(), copy) = '\0';
     return copy;
 }
 
