@@ -1,7 +1,6 @@
 // The client's own SQL: one statement, its rows as the answer.
 #include <string>
 
-#include "Vexmoor/KeptMirror.h"
 #include "Vexmoor/RowWriter.h"
 #include "host/ResponseDocument.h"
 
@@ -27,9 +26,6 @@ int EpgSQLPluginVexmoor::m_SendSQLCmd(TARNO_rstr_uri_query_st* queryRecord, Conn
     }
     const bool mayChangeSchema = sqlite3_stmt_readonly(statement.handle()) == 0;
     statement.close();
-    if (mayChangeSchema) {
-        KeptMirror::forget();  // a trigger on the mirror's statements, for one, leaves no mark on the table
-        m_hintIndexes(connection);
-    }
+    if (mayChangeSchema) m_hintIndexes(connection);
     return rowCount == 0 ? 204 : 200;
 }

@@ -1,7 +1,6 @@
 // The plug-in class's static objects, and how the instance and its database are made.
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
 
-#include "Vexmoor/KeptMirror.h"
 #include "host/CTimerUtil.h"
 
 const Container::Logger pluginLogger = Container::Logger::logger("Vexmoor/EpgSQLPluginVexmoor");

@@ -11,14 +11,13 @@
 #include <vector>
 
 #include "Vexmoor/EpgSQLPluginVexmoorUtil.h"
+#include "Vexmoor/KeptMirror.h"
 #include "host/Connection.h"
 #include "host/Logger.h"
 #include "host/Mutex.h"
 #include "host/SharedPtr.h"
 #include "host/Statement.h"
 #include "host/Uri.h"
-
-struct MirroredBooking;
 
 /// The class's one logger, "Vexmoor/EpgSQLPluginVexmoor".
 extern const Container::Logger pluginLogger;
@@ -269,9 +268,9 @@ protected:  // open to derived classes, so that each operation can be tried alon
     /// Writes the store's bookings into them: 0, or -1 when it stopped at a booking without a channel.
     static int m_updateDBSchedData(ConnectionPtr connection);
 
-    /// Writes one booking, with `update` where it has a programme; the number of statements that wrote.
-    static unsigned m_writeBooking(const MirroredBooking& booking, Statement& update,
-                                   ConnectionPtr connection);
+    /// Writes one booking, with `update` where it has a programme.
+    static void m_writeBooking(const MirroredBooking& booking, Statement& update, ConnectionPtr connection,
+                               KeptMirror::Writing& writing);
 
     /// Adds the row of a manual booking, pruning the table when it is full.
     static void m_insertSchedData(const std::string& channelId, const std::string& channelNumber,

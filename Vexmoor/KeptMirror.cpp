@@ -5,6 +5,7 @@
 #include <atomic>
 #include <map>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -35,15 +36,39 @@ private:
 
 constinit MirrorSlot lastMirror;
 
-/// Whether something of a client's may run with each of the mirror's statements.
-bool hasTriggers(const KeptMirror::ConnectionPtr& connection) {
-    Statement triggers;
-    triggers.setConnection(connection);
-    triggers.setSql(
-        "SELECT count(*) FROM (SELECT type FROM sqlite_master UNION ALL SELECT type FROM sqlite_temp_master) "
-        "WHERE type='trigger';");
-    triggers.compile();
-    return sqlite3_step(triggers.handle()) != SQLITE_ROW || sqlite3_column_int(triggers.handle(), 0) != 0;
+/// The version of a database of the connection; nothing for one that is not open.
+std::optional<unsigned> versionOf(sqlite3* handle, const char* database) {
+    unsigned version = 0;
+    if (sqlite3_file_control(handle, database, SQLITE_FCNTL_DATA_VERSION, &version) != SQLITE_OK)
+        return std::nullopt;
+    return version;
+}
+
+/// The version of what is committed. Nothing while something is not, which may still be undone, and where
+/// there are temporary tables or triggers, which may stand before the table or count on its statements.
+std::optional<unsigned> committedVersion(const KeptMirror::ConnectionPtr& connection) {
+    sqlite3* const handle = connection ? connection->handle() : nullptr;
+    if (handle == nullptr || sqlite3_get_autocommit(handle) == 0 ||
+        sqlite3_txn_state(handle, "main") == SQLITE_TXN_WRITE || versionOf(handle, "temp"))
+        return std::nullopt;
+    return versionOf(handle, "main");
+}
+
+/// Whether the table is the one that the import makes, and no trigger counts on its statements. In a table of
+/// a client's own making a row written again may be another one.
+bool hasPlainTable(const KeptMirror::ConnectionPtr& connection, const std::string& createSql) {
+    Statement schema;
+    schema.setConnection(connection);
+    schema.setSql("SELECT type, sql FROM sqlite_master WHERE name='myView' OR type='trigger';");
+    schema.compile();
+    bool found = false;
+    int result = SQLITE_OK;
+    while ((result = sqlite3_step(schema.handle())) == SQLITE_ROW) {
+        const std::string sql = columnText(schema.handle(), 1);  // as it was given, less the semicolon
+        found = columnText(schema.handle(), 0) == std::string_view("table") && sql + ";" == createSql;
+        if (!found) return false;
+    }
+    return found && result == SQLITE_DONE;
 }
 
 /// Whether clearing would take back just what these bookings wrote. It goes by identifiers and names: where
@@ -67,32 +92,42 @@ bool isRepeatable(const KeptMirror::ConnectionPtr& connection, const std::vector
 
 }  // namespace
 
-KeptMirror::Version KeptMirror::versionOf(const ConnectionPtr& connection) {
-    sqlite3* const database = connection ? connection->handle() : nullptr;
-    unsigned version = 0;
-    if (database == nullptr || sqlite3_get_autocommit(database) == 0 ||
-        sqlite3_file_control(database, "main", SQLITE_FCNTL_DATA_VERSION, &version) != SQLITE_OK)
-        return std::nullopt;
-    return version;
-}
-
 bool KeptMirror::holds(const ConnectionPtr& connection, const std::vector<MirroredBooking>& bookings) {
+    const auto version = committedVersion(connection);
+    if (!version) return false;
     std::unique_ptr<Mirror> mirror = lastMirror.take();
-    const bool same = mirror && mirror->database == connection->handle() &&
-                      versionOf(connection) == mirror->version && mirror->bookings == bookings;
+    const bool same = mirror && mirror->database == connection->handle() && mirror->version == *version &&
+                      mirror->bookings == bookings;
     if (same) lastMirror.put(std::move(mirror));
     return same;
 }
 
-void KeptMirror::keep(const ConnectionPtr& connection, Version before, unsigned writes,
-                      std::vector<MirroredBooking> bookings) {
-    const Version after = versionOf(connection);
-    if (!before || after != *before + writes || hasTriggers(connection) ||
-        !isRepeatable(connection, bookings))
-        return;
-    lastMirror.put(std::make_unique<Mirror>(Mirror{connection->handle(), *after, std::move(bookings)}));
-}
-
 void KeptMirror::forget() {
     lastMirror.take();
+}
+
+KeptMirror::Writing::Writing(const ConnectionPtr& connection)
+    : m_connection(connection), m_version(committedVersion(connection)) {}
+
+void KeptMirror::Writing::wrote(int result) {
+    if (!m_version) return;
+    ++*m_version;  // a statement that was run to its end is one transaction
+    if (result != SQLITE_DONE || committedVersion(m_connection) != m_version) m_version.reset();
+}
+
+void KeptMirror::Writing::read(int result) {
+    if (result != SQLITE_DONE) m_version.reset();
+}
+
+void KeptMirror::Writing::keep(std::vector<MirroredBooking> bookings, const std::string& createSql) {
+    if (!m_version) return;
+    try {
+        if (!hasPlainTable(m_connection, createSql) || !isRepeatable(m_connection, bookings) ||
+            committedVersion(m_connection) != m_version)
+            return;
+        lastMirror.put(
+            std::make_unique<Mirror>(Mirror{m_connection->handle(), *m_version, std::move(bookings)}));
+    } catch (const std::bad_alloc&) {
+        KeptMirror::forget();
+    }
 }

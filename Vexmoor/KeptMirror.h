@@ -49,19 +49,30 @@ class KeptMirror {
 public:
     using ConnectionPtr = Container::SharedPtr<Connection>;
 
-    /// The version of what is committed; nothing inside a transaction, which may still be undone.
-    using Version = std::optional<unsigned>;
-    static Version versionOf(const ConnectionPtr& connection);
-
     /// Whether the table is as the mirror of just these bookings left it.
     static bool holds(const ConnectionPtr& connection, const std::vector<MirroredBooking>& bookings);
 
-    /// Remembers a mirror that has just been written in `writes` statements, beginning at version `before`.
-    /// Not when somebody else wrote meanwhile or one of the statements failed, and not when writing it again
-    /// would change anything.
-    static void keep(const ConnectionPtr& connection, Version before, unsigned writes,
-                     std::vector<MirroredBooking> bookings);
-
     /// Makes the next mirror be written, whatever the table holds.
     static void forget();
+
+    /// Follows the statements of one mirror while they run.
+    class Writing {
+    public:
+        explicit Writing(const ConnectionPtr& connection);
+
+        /// To be told of each statement that changes the table, right after it, with SQLite's answer.
+        void wrote(int result);
+
+        /// To be told of a statement that was to be read to its end, with SQLite's last answer.
+        void read(int result);
+
+        /// Remembers the mirror of these bookings, unless a statement failed, somebody else wrote meanwhile,
+        /// or writing it again would change anything. Without memory it is not remembered. `createSql` is
+        /// the statement that makes the table.
+        void keep(std::vector<MirroredBooking> bookings, const std::string& createSql);
+
+    private:
+        ConnectionPtr m_connection;
+        std::optional<unsigned> m_version;  ///< nothing when the mirror is not to be kept
+    };
 };

@@ -13,7 +13,6 @@
 #include "Vexmoor/ColumnText.h"
 #include "Vexmoor/EpgSQLPluginVexmoor.h"
 #include "Vexmoor/HeapText.h"
-#include "Vexmoor/KeptMirror.h"
 #include "host/CRemindInfo.h"
 #include "host/CReminder.h"
 #include "host/ChannelSource.h"
@@ -63,16 +62,16 @@ int run(Statement& statement, const std::string& sql) {
     return sqlite3_step(statement.handle());
 }
 
-/// Clears the schedule columns and answers how many statements that took.
-unsigned clearSchedules(const Container::SharedPtr<Connection>& connection) {
+/// Clears the schedule columns.
+void clearSchedules(const Container::SharedPtr<Connection>& connection, KeptMirror::Writing& writing) {
     Statement scheduled;
     scheduled.setConnection(connection);
     scheduled.setSql(scheduledRowsSql);
     scheduled.compile();
     Statement change;
     change.setConnection(connection);
-    unsigned writes = 0;
-    for (; sqlite3_step(scheduled.handle()) == SQLITE_ROW; ++writes) {
+    int result = SQLITE_OK;
+    while ((result = sqlite3_step(scheduled.handle())) == SQLITE_ROW) {
         const std::string id = columnText(scheduled.handle(), 0);
         const std::string name = columnText(scheduled.handle(), 1);
         pluginLogger.trace("A schedule has been found:%s, %s\n", id, name);
@@ -82,12 +81,14 @@ unsigned clearSchedules(const Container::SharedPtr<Connection>& connection) {
                 ? "DELETE FROM myView WHERE ScheduleId='" + id + "';"
                 : "UPDATE myView SET ScheduleId=NULL, ScheduleType=NULL, Repeat=NULL WHERE ScheduleId='" +
                       id + "';";
+        const int changed = run(change, sql);
+        writing.wrote(changed);
         // The step answers SQLITE_DONE on success and not 0: the trace stays silent, as it should.
-        if (run(change, sql) == SQLITE_OK) pluginLogger.trace("Removed/Updated schedule entry in DB.\n");
+        if (changed == SQLITE_OK) pluginLogger.trace("Removed/Updated schedule entry in DB.\n");
     }
+    writing.read(result);
     scheduled.close();
     change.close();
-    return writes;
 }
 
 CachedChannels::Number channelNumber(const CRemindInfo& info) {
@@ -136,10 +137,11 @@ int visitBookings(Take take) {
     int count = 0;
     std::vector<CRemindInfo> items;
     reminder->GetRemindItemByType(count, items, allBookings);
+    items.resize(std::min(items.size(), static_cast<std::size_t>(std::max(count, 0))));
     std::vector<CachedChannels::Number> numbers;
     std::ranges::transform(items, std::back_inserter(numbers), channelNumber);
     const CachedChannels channels(numbers);
-    for (int i = 0; i < count && i < static_cast<int>(items.size()); ++i) {
+    for (int i = 0; i < static_cast<int>(items.size()); ++i) {
         pluginLogger.trace("Getting remind item: %d\n", i);
         const auto place = static_cast<std::size_t>(i);
         CRemindInfo info = items[place];
@@ -164,49 +166,54 @@ void EpgSQLPluginVexmoor::m_mirrorSchedules(ConnectionPtr connection) {
     std::vector<MirroredBooking> bookings;
     visitBookings([&bookings](MirroredBooking booking) { bookings.push_back(std::move(booking)); });
     if (KeptMirror::holds(connection, bookings)) return;
-    const KeptMirror::Version before = KeptMirror::versionOf(connection);
-    unsigned writes = clearSchedules(connection);
+    KeptMirror::Writing writing(connection);
+    clearSchedules(connection, writing);
     {
         Statement update;
         update.setConnection(connection);
         for (const MirroredBooking& booking : bookings)
-            writes += m_writeBooking(booking, update, connection);
+            m_writeBooking(booking, update, connection, writing);
     }
-    KeptMirror::keep(connection, before, writes, std::move(bookings));
+    std::string createSql;
+    m_createTblFrmEpg(GuideTable::schemaTemplate, createSql, connection);
+    writing.keep(std::move(bookings), createSql);
 }
 
 int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
-    clearSchedules(connection);
+    KeptMirror::Writing unkept(connection);
+    clearSchedules(connection, unkept);
     return 0;
 }
 
 int EpgSQLPluginVexmoor::m_updateDBSchedData(ConnectionPtr connection) {
+    KeptMirror::Writing unkept(connection);
     Statement update;
     update.setConnection(connection);
-    return visitBookings([&update, &connection](const MirroredBooking& booking) {
-        m_writeBooking(booking, update, connection);
-    });
+    return visitBookings(
+        [&](const MirroredBooking& booking) { m_writeBooking(booking, update, connection, unkept); });
 }
 
-unsigned EpgSQLPluginVexmoor::m_writeBooking(const MirroredBooking& booking, Statement& update,
-                                             ConnectionPtr connection) {
+void EpgSQLPluginVexmoor::m_writeBooking(const MirroredBooking& booking, Statement& update,
+                                         ConnectionPtr connection, KeptMirror::Writing& writing) {
     if (!booking.manual) {
         const std::string sql = "UPDATE myView SET ScheduleId='" + booking.scheduleId + "', ScheduleType='" +
                                 booking.scheduleType + "', Repeat='" + booking.repeat +
                                 "' WHERE ChannelId='" + booking.channelId + "' AND EventId='" +
                                 booking.programId + "';";
         pluginLogger.trace("SQL STATEMENT: %s\n", sql);
-        if (run(update, sql) == SQLITE_DONE) pluginLogger.trace("Schedule data updated!\n");
-        return 1;
+        const int result = run(update, sql);
+        writing.wrote(result);
+        if (result == SQLITE_DONE) pluginLogger.trace("Schedule data updated!\n");
+        return;
     }
     pluginLogger.trace("Remind info: ChnldId: %s, EventId: %s, SchedId: %s\n", booking.channelId,
                        booking.programId, booking.scheduleId);
-    if (m_checkIfEventIsInDB(booking.channelId, booking.programId, booking.scheduleId, connection)) return 0;
+    if (m_checkIfEventIsInDB(booking.channelId, booking.programId, booking.scheduleId, connection)) return;
     const MirroredBooking::ManualRow& row = *booking.manual;
     m_insertSchedData(booking.channelId, row.channelNumber, row.channelName, row.serviceType, row.antenna,
                       row.scrambled, booking.programId, row.start, row.end, booking.scheduleId,
                       booking.scheduleType, booking.repeat, connection);
-    return 1;
+    writing.wrote(SQLITE_DONE);  // without a row, or with another try, the version is not the next one
 }
 
 bool EpgSQLPluginVexmoor::m_checkIfEventIsInDB(const std::string& channelId, const std::string& eventId,

@@ -127,8 +127,12 @@ std::string_view Document::keptKey(std::string_view key) {
     const CleanText clean(key);
     char* const kept = static_cast<char*>(allocate(clean.view().size() + 1));
     copyWithNul(clean.view(), kept);
-    if (keyCount_ < mostKeys) keys_[keyCount_++] = {kept, clean.view().size()};
-    return {kept, clean.view().size()};
+    const std::string_view view(kept, clean.view().size());
+    if (keyCount_ < mostKeys && view == key) {  // another one would never be met again
+        keys_[keyCount_++] = view;
+        nextKey_ = keyCount_;
+    }
+    return view;
 }
 
 DocumentMember* Document::tryAddMember(DocumentObject& object, const char* key,

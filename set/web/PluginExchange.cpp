@@ -107,7 +107,7 @@ WebResponse PluginResponse::finish() {
         response_.status = 500;
     }
     // A stream keeps to itself that it had no memory for what was written.
-    const bool whole = !stream_.bad();
+    const bool whole = !stream_.fail();
     response_.body = body_.take();
     if (!whole) response_ = textResponse(500, "out of memory");
     touched_ = false;

@@ -20,8 +20,9 @@ class CachedChannelsTest : public AdapterTest {
 protected:
     static std::string described(const TCChannel* channel) {
         if (channel == nullptr) return "(none)";
+        const auto copy = std::make_unique<TCChannel>(*channel);
         return std::to_string(channel->TvMode()) + ":" + std::to_string(channel->Major()) + "-" +
-               std::to_string(channel->Minor());
+               std::to_string(channel->Minor()) + " " + taken(t_get_channel_name(copy.get())).value_or("");
     }
 
     static std::vector<std::string> found(const std::vector<CachedChannels::Number>& numbers) {
@@ -42,6 +43,10 @@ TEST_F(CachedChannelsTest, AreThoseThatEachNumberAloneFinds) {
                 if (major + minor != 5 && mode != Cable) guide.channel(mode, major, minor);
                 numbers.push_back({mode, major, minor});
             }
+    guide.channel(Air, 30, 3, "Third");
+    guide.channel(Air, 30, 2, "Second");
+    numbers.push_back({Air, 30, 0});
+    numbers.push_back({Air, 30, 3});
     numbers.push_back({Air, 99, 0});
     numbers.push_back({-1, 1, 0});
     numbers.push_back({Air, 7, 0});
@@ -61,7 +66,7 @@ TEST_F(CachedChannelsTest, AreFoundInOneWalkOfEachMode) {
     guide.use();
     const ForwardingTelevision television;
     EXPECT_THAT(found({{Air, 2, 0}, {Satellite, 1, 0}, {Air, 1, 0}, {Air, 2, 0}}),
-                ElementsAre("0:2-0", "3:1-0", "0:1-0", "0:2-0"));
+                ElementsAre("0:2-0 Channel", "3:1-0 Channel", "0:1-0 Channel", "0:2-0 Channel"));
     EXPECT_THAT(television.sourceTypesAsked, ElementsAre(2, 7));
 }
 
@@ -72,7 +77,8 @@ TEST_F(CachedChannelsTest, LeaveWhatHasToBeReportedToTheLookOfOne) {
     guide.use();
     ForwardingTelevision television;
     television.vanishedMajor = 2;
-    EXPECT_THAT(found({{Air, 1, 0}, {Air, 2, 0}, {Air, 3, 0}}), ElementsAre("0:1-0", "(none)", "(none)"));
+    EXPECT_THAT(found({{Air, 1, 0}, {Air, 2, 0}, {Air, 3, 0}}),
+                ElementsAre("0:1-0 Channel", "(none)", "(none)"));
     EXPECT_THAT(found({{Cable, 1, 0}}), ElementsAre("(none)"));
     EXPECT_THAT(log.records(), IsEmpty());
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "set/database/DatabaseFaults.h"
 #include "set/log/LogControl.h"
 #include "tests/plugin/ScheduleMirrorTest.h"
 #include "tests/support/SqlTrace.h"
@@ -109,15 +110,26 @@ TEST_F(KeptMirrorTest, IsWrittenAgainAfterEveryWriteToTheTable) {
 }
 
 TEST_F(KeptMirrorTest, DoesNotOutliveATransactionThatIsUndone) {
-    const auto good = schedules();
     rows("BEGIN");
-    reminders.entries.pop_back();
-    request();
-    EXPECT_THAT(schedules(), testing::SizeIs(1));
+    rows("DELETE FROM myView WHERE ScheduleId='sch_id_6'");
+    rows("UPDATE myView SET ScheduleId=NULL");
+    reminders.entries.clear();
+    request();  // which has nothing to write
     rows("ROLLBACK");
-    EXPECT_EQ(schedules(), good) << "as before the transaction";
+    EXPECT_THAT(schedules(), testing::SizeIs(2)) << "as before the transaction";
     request();
-    EXPECT_THAT(schedules(), testing::SizeIs(1));
+    EXPECT_THAT(schedules(), IsEmpty());
+}
+
+TEST_F(KeptMirrorTest, DoesNotTrustWhatAnotherStatementHasHalfWritten) {
+    sqlite3_stmt* half = nullptr;
+    sqlite3_prepare_v2(database->handle(), "UPDATE myView SET ScheduleId=NULL RETURNING EventId", -1, &half,
+                       nullptr);
+    ASSERT_EQ(sqlite3_step(half), SQLITE_ROW);
+    EXPECT_THAT(schedules(), IsEmpty());
+    request();
+    EXPECT_THAT(schedules(), testing::SizeIs(2));
+    sqlite3_finalize(half);
 }
 
 TEST_F(KeptMirrorTest, IsWrittenEachTimeInATransaction) {
@@ -143,18 +155,75 @@ TEST_F(KeptMirrorTest, IsWrittenEachTimeWhereAClientsTriggerCountsOnIt) {
     }
 }
 
-TEST_F(KeptMirrorTest, IsOfItsOwnDatabaseAlone) {
-    const auto good = schedules();
-    const auto other = OpenPlugin::m_createSqlDB("");
-    EXPECT_THAT(request(), Not(IsEmpty()));
-    EXPECT_EQ(schedules(), good);
+TEST_F(KeptMirrorTest, IsWrittenEachTimeIntoATableOfAClientsOwn) {
+    command("DROP TABLE myView");
+    command(
+        "CREATE TABLE myView(id INTEGER PRIMARY KEY AUTOINCREMENT, ChannelId, ChannelName, ChannelPath, "
+        "ChannelNumber, ServiceType, AntennaType, ScrambledFlag, EventId, ProgramName, ProgramStartTime, "
+        "ProgramEndTime, ScheduleId, ScheduleType, Repeat)");
+    for (const char* id : {"1", "2", "3"}) {
+        request();
+        EXPECT_THAT(rows("SELECT id FROM myView"), ElementsAre(Row{id}));
+    }
 }
 
-TEST_F(KeptMirrorTest, IsWrittenAgainAfterAStatementThatFailed) {
-    reminders.entries[0].SetUid(9);
-    const StepAnswer failure("UPDATE myView SET ScheduleId='sch_id_9'", SQLITE_ERROR);
+TEST_F(KeptMirrorTest, OpensNoDatabaseThatAClientWouldSee) {
+    reminders.entries.clear();
+    request();
+    request();
+    EXPECT_THAT(rows("SELECT name FROM pragma_database_list"), ElementsAre(Row{"main"}));
+}
+
+TEST_F(KeptMirrorTest, IsOfOneDatabaseAlone) {
+    const auto other = OpenPlugin::m_createSqlDB("");
+    OpenPlugin::m_CreateDBTable(GuideTable::source, GuideTable::schemaTemplate, nullptr, other);
+    const auto version = [](const Container::SharedPtr<Connection>& connection) {
+        unsigned number = 0;
+        sqlite3_file_control(connection->handle(), "main", SQLITE_FCNTL_DATA_VERSION, &number);
+        return number;
+    };
+    request();
+    while (version(other) < version(database))
+        rowsOf(*other, "DELETE FROM myView WHERE 0");
+    ASSERT_EQ(version(other), version(database));
+    OpenPlugin::m_mirrorSchedules(other);
+    EXPECT_THAT(rowsOf(*other, "SELECT * FROM myView WHERE NOT ScheduleId=''"), testing::SizeIs(2));
+    OpenPlugin::m_mirrorSchedules({});
     EXPECT_THAT(request(), Not(IsEmpty()));
+}
+
+TEST_F(KeptMirrorTest, IsWrittenAgainAfterAMarkThatFailed) {
+    reminders.entries = {entry(9, 1, "Morning")};
+    {
+        const StepAnswer failure("UPDATE myView SET ScheduleId='sch_id_9'", SQLITE_ERROR);
+        request();
+        EXPECT_THAT(schedules(), IsEmpty());
+    }
+    request();
+    EXPECT_THAT(schedules(), testing::SizeIs(1));
+}
+
+TEST_F(KeptMirrorTest, IsWrittenAgainAfterAClearingThatFailed) {
+    reminders.entries = {entry(5, 2, "Football")};
+    {
+        const epgset::DatabaseFault fault(epgset::DatabaseFault::Compile, scheduledRowsSql);
+        request();
+        EXPECT_THAT(schedules(), testing::SizeIs(3)) << "nothing was cleared";
+    }
+    request();
+    EXPECT_THAT(schedules(), testing::SizeIs(1));
+}
+
+TEST_F(KeptMirrorTest, IsWrittenAgainAfterAnInsertThatFoundNoRoomAtFirst) {
+    addPrunable(5);
+    reminders.entries = {entry(6, 0, "")};
+    {
+        const epgset::DatabaseFault full(epgset::DatabaseFault::Compile, "INSERT into myView");
+        request();
+        EXPECT_THAT(schedules(), testing::SizeIs(1));
+    }
     EXPECT_THAT(request(), Not(IsEmpty()));
+    EXPECT_THAT(request(), IsEmpty());
 }
 
 TEST_F(KeptMirrorTest, TracesEveryStepToThoseWhoReadTheTrace) {

@@ -70,6 +70,19 @@ INSTANTIATE_TEST_SUITE_P(Of, EveryResultList,
                          testing::Values(channelList, channelProgrammeList, programmeList),
                          [](const auto& list) { return std::string(list.param.name); });
 
+TEST_P(EveryResultList, HoldsTheTimesOfEachRow) {
+    EXPECT_EQ(
+        answer("SELECT column1 AS ProgramEndTime, column2 AS ProgramStartTime FROM (VALUES(60,0),(120,60),"
+               "(60,60),(180,'120'),(0,180))"),
+        R"({"items":[)"
+        R"({"end":"1970-01-01T00:01:00+00:00","start":"1970-01-01T00:00:00+00:00"},)"
+        R"({"end":"1970-01-01T00:02:00+00:00","start":"1970-01-01T00:01:00+00:00"},)"
+        R"({"end":"1970-01-01T00:01:00+00:00","start":"1970-01-01T00:01:00+00:00"},)"
+        R"({"end":"1970-01-01T00:03:00+00:00","start":"1970-01-01T00:02:00+00:00"},)"
+        R"({"end":"1970-01-01T00:00:00+00:00","start":"1970-01-01T00:03:00+00:00"}],)"
+        R"("items_start_index":0,"items_count":5,"items_total":5})");
+}
+
 TEST_P(EveryResultList, HoldsTheRowsInOrderAndThreeCounts) {
     EXPECT_EQ(answer(numbers(3)), page(0, 3, 0, 3));
 }

@@ -34,6 +34,25 @@ TEST_F(DocumentTree, CopiesKeysAndTexts) {
     EXPECT_EQ(json(), R"({"key":"text"})");
 }
 
+TEST_F(DocumentTree, HoldsAnyKeysInAnyOrder) {
+    void* items = attached(root(), "items");
+    std::string expected;
+    for (int row = 0; row < 40; ++row) {
+        void* object = attached(items, nullptr);
+        expected += row == 0 ? "{" : ",{";
+        for (int member = 0; member < 30; ++member) {
+            const int number = row * member % 37;  // each row has an order of its own
+            const std::string text = std::to_string(number);
+            const bool clean = number % 5 != 0;
+            TARNO_rdoc_add_integer(object, (text + (clean ? "" : "\xFF")).c_str(), number);
+            expected += std::string(member == 0 ? "" : ",") + "\"" + text + (clean ? "" : "\xEF\xBF\xBD") +
+                        "\":" + text;
+        }
+        expected += "}";
+    }
+    EXPECT_EQ(json(), "{\"items\":[" + expected + "]}");
+}
+
 TEST_F(DocumentTree, LeavesOutWhatIsNotAttached) {
     TARNO_rdoc_add_UTF8(TARNO_rdoc_create_object(root()), "lost", "x");
     EXPECT_EQ(json(), "{}");

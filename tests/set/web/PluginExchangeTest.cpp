@@ -91,6 +91,29 @@ TEST(PluginResponse, KeepsWhatThePluginWrote) {
     EXPECT_EQ("one 2", sent.body);
 }
 
+TEST(PluginResponse, TakesABodyPieceByPieceAndIsEmptyAfterwards) {
+    PluginResponse response;
+    std::string expected;
+    for (int i = 0; i < 1000; ++i) {
+        response.getOutputStream().put(static_cast<char>(i)) << i;
+        response.getOutputStream().write("\0xyz", 4);
+        expected += static_cast<char>(i) + std::to_string(i) + std::string("\0xyz", 4);
+    }
+    EXPECT_EQ(expected, response.finish().body);
+    EXPECT_TRUE(response.untouched());
+    EXPECT_EQ(404, response.finish().status);
+}
+
+TEST(PluginResponse, IsA500ForABodyThatCouldNotBeWritten) {
+    PluginResponse response;
+    response.getOutputStream() << "text";
+    response.getOutputStream().seekp(0);  // a body is written from its start to its end
+    response.getOutputStream() << "other";
+    EXPECT_EQ(500, response.finish().status);
+    response.getOutputStream() << "text";
+    EXPECT_EQ("text", response.finish().body) << "the failure is gone";
+}
+
 TEST(PluginResponse, IsAnEmpty404WhenUntouched) {
     PluginResponse response;
     EXPECT_TRUE(response.untouched());
