@@ -32,7 +32,7 @@ def start_lines(run):
             f"(reading the guide {floor['read_ms'] / 1e3:.2f} s, and twice its INSERTs, "
             f"{floor['insert_ms'] / 1e3:.2f} s each): ratio {start_ratio:.2f}",
             f"  update check {floor['update_check_ms']:.4f} ms, mirror of the bookings "
-            f"{floor['mirror_ms']:.4f} ms",
+            f"{floor['mirror_ms']:.4f} ms, {floor['mirror_written_ms']:.4f} ms when it is written",
         ]
     return lines
 

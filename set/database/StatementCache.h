@@ -13,9 +13,8 @@
 
 namespace epgset {
 
-/// The statements of one connection that nobody uses at the moment, by their text. What precedes every
-/// request comes with the same texts each time, and compiling them takes several times what running them
-/// does.
+/// The statements of one connection that nobody uses at the moment, by their text. The mirror and the lists
+/// come with the same texts again and again, and compiling them takes several times what running them does.
 ///
 /// A statement is kept from the second time on that its text is put in: those of which each comes once, as of
 /// clients, leave no trace. The least recently used goes when there are too many. To
