@@ -1,5 +1,6 @@
 #include "set/document/JsonPrinter.h"
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -16,21 +17,38 @@ public:
     using JsonWriter<PrintBuffer>::JsonWriter;
 
     void text(std::string_view text) {
-        if (!holdsForAllBytes(text, &needsNoEscape)) {
+        if (isPlain(text)) {
+            plainText(text);
+        } else {
             String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-            return;
         }
-        Prefix(rapidjson::kStringType);
-        os_->Put('"');
-        os_->append(text);
-        os_->Put('"');
-        EndValue(true);
+    }
+
+    /// The key of a member. Members of the same key share it, so that each is looked at once.
+    void key(std::string_view key) {
+        const auto address = reinterpret_cast<std::uintptr_t>(key.data());
+        const char*& plain = plainKeys_[address / sizeof(void*) % plainKeys_.size()];
+        if (plain != key.data()) {
+            if (!isPlain(key)) return text(key);
+            plain = key.data();
+        }
+        plainText(key);
     }
 
 private:
-    static bool needsNoEscape(std::uint64_t word) {
-        return (controlBytes(word) | bytesThatAre('"', word) | bytesThatAre('\\', word)) == 0;
+    static bool isPlain(std::string_view text) {
+        return holdsForAllBytes(text, [](std::uint64_t word) {
+            return (controlBytes(word) | bytesThatAre('"', word) | bytesThatAre('\\', word)) == 0;
+        });
     }
+
+    void plainText(std::string_view text) {
+        Prefix(rapidjson::kStringType);
+        os_->appendQuoted(text);
+        EndValue(true);
+    }
+
+    std::array<const char*, 32> plainKeys_{};  ///< keys that need no escape, by their address
 };
 
 class JsonPrinter {
@@ -66,9 +84,9 @@ public:
 private:
     void writeKey(const DocumentObject& object, const DocumentMember& member) {
         if (member.named) {
-            writer_.text({member.keyStart, member.keyLength});
+            writer_.key(member.key());
         } else if (!object.isList()) {
-            writer_.text("item");
+            writer_.key("item");
         }
     }
 

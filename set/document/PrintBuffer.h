@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -25,6 +26,15 @@ public:
     PrintBuffer& operator=(const PrintBuffer&) = delete;
 
     std::size_t size() const { return static_cast<std::size_t>(end_ - text_.get()); }
+
+    /// Appends a text between quotes.
+    void appendQuoted(std::string_view text) {
+        Reserve(text.size() + 2);
+        *end_++ = '"';
+        if (!text.empty()) std::memcpy(end_, text.data(), text.size());
+        end_ += text.size();
+        *end_++ = '"';
+    }
 
     void append(std::string_view text);
 
