@@ -4,11 +4,15 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <string>
-#include <utility>
 
 #include "host/CReminder.h"
 #include "host/Export.h"
+
+namespace epgset {
+struct ReminderText;
+}
 
 /// Bases of the middleware's data classes.
 class IData {
@@ -21,7 +25,8 @@ public:
 
 class CData : public IData {};
 
-/// One reminder or recording, a value that is copied freely. Times are the middleware's local seconds.
+/// One reminder or recording, a value that is copied freely: copies share the texts. Times are the
+/// middleware's local seconds.
 class HOST_API CRemindInfo : public CData {
 public:
     /// UTF-16 code units.
@@ -51,10 +56,10 @@ public:
 
     /// The title, NUL-terminated, its units in big-endian byte order; empty for an entry that was not
     /// made from a programme. Owned by the entry.
-    const unsigned short* GetTitle() const { return m_title.c_str(); }
+    const unsigned short* GetTitle() const;
 
     /// The synopsis, NUL-terminated, its units in host byte order. Owned by the entry.
-    const unsigned short* Synopsis() const { return m_synopsis.c_str(); }
+    const unsigned short* Synopsis() const;
 
     /// Makes this an entry for a programme, with a copy of its title, synopsis, event id, times and
     /// channel: to view it, to record it, or of another type (`reserved` is 0).
@@ -85,8 +90,8 @@ public:
         m_channelType = channelType;
         m_programNumber = programNumber;
     }
-    void SetTitle(Text bigEndianUnits) { m_title = std::move(bigEndianUnits); }
-    void SetSynopsis(Text hostUnits) { m_synopsis = std::move(hostUnits); }
+    void SetTitle(Text bigEndianUnits);
+    void SetSynopsis(Text hostUnits);
 
 private:
     static std::uint32_t count(long long seconds) {
@@ -107,6 +112,6 @@ private:
     CReminder::CREATION_TYPE m_creationMethod = CReminder::CREATED_FROM_EPG;
     std::uint32_t m_startTime = 0;
     std::uint32_t m_duration = 0;
-    Text m_title;
-    Text m_synopsis;
+    std::shared_ptr<const epgset::ReminderText> m_title;  ///< null when empty, as the synopsis is
+    std::shared_ptr<const epgset::ReminderText> m_synopsis;
 };
