@@ -1,6 +1,9 @@
 #include "set/guide/WhiteSpace.h"
 
 #include <cstddef>
+#include <cstdint>
+
+#include "set/text/ByteWords.h"
 
 namespace epgset {
 namespace {
@@ -9,9 +12,30 @@ bool isSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
+/// The high bits of the bytes of a word that are a blank, exactly.
+std::uint64_t blanks(std::uint64_t word) {
+    const std::uint64_t others = word ^ everyByte(' ');
+    return ~(((others & ~everyByte(0x80)) + ~everyByte(0x80)) | others) & everyByte(0x80);
+}
+
+/// Whether the text is collapsed for certain, as most are. Looks at pairs of neighbours, eight at a time.
+bool isCollapsed(std::string_view text) {
+    constexpr std::size_t step = wordBytes;
+    if (text.size() <= step || isSpace(text.front()) || isSpace(text.back())) return false;
+    const auto isClean = [](const char* at) {
+        const std::uint64_t word = wordAt(at);
+        return (controlBytes(word) | (blanks(word) & blanks(wordAt(at + 1)))) == 0;
+    };
+    const char* const last = text.data() + text.size() - step - 1;
+    for (const char* at = text.data(); at < last; at += step)
+        if (!isClean(at)) return false;
+    return isClean(last);
+}
+
 }  // namespace
 
 std::string withCollapsedSpace(std::string_view text) {
+    if (isCollapsed(text)) return std::string(text);
     std::string collapsed(text.size(), '\0');
     char* end = collapsed.data();
     bool apart = false;  // from the word before
