@@ -258,8 +258,9 @@ protected:  // open to derived classes, so that each operation can be tried alon
 
     // Schedule mirror ----------------------------------------------------------------------------
 
-    /// Brings the schedule columns to what the store holds: by the next two, unless the table shows just
-    /// these bookings already and nobody has written to it since.
+    /// Brings the schedule columns to what the store holds, as the next two do, but that the bookings are
+    /// read first: when the table shows just these already and nobody has written to it since, it is left as
+    /// it is.
     static void m_mirrorSchedules(ConnectionPtr connection);
 
     /// Clears the schedule columns, and the rows of manual bookings; 0.

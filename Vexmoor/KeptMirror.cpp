@@ -36,7 +36,7 @@ private:
 
 constinit MirrorSlot lastMirror;
 
-/// The version of a database of the connection; nothing for one that is not open.
+/// SQLite's version of a database; nothing for one that is not open.
 std::optional<unsigned> versionOf(sqlite3* handle, const char* database) {
     unsigned version = 0;
     if (sqlite3_file_control(handle, database, SQLITE_FCNTL_DATA_VERSION, &version) != SQLITE_OK)
@@ -44,12 +44,22 @@ std::optional<unsigned> versionOf(sqlite3* handle, const char* database) {
     return version;
 }
 
-/// The version of what is committed. Nothing while something is not, which may still be undone, and where
-/// there are temporary tables or triggers, which may stand before the table or count on its statements.
+/// Whether there are temporary tables, which may stand before the table, or triggers, which may count on its
+/// statements. SQLite opens the database of these only for who looks into it, and a client would see that.
+bool hasTemporaries(const KeptMirror::ConnectionPtr& connection) {
+    if (!versionOf(connection->handle(), "temp")) return false;
+    Statement temporaries;
+    temporaries.setConnection(connection);
+    temporaries.setSql("SELECT 1 FROM sqlite_temp_master LIMIT 1;");
+    temporaries.compile();
+    return sqlite3_step(temporaries.handle()) != SQLITE_DONE;
+}
+
+/// The version of what is committed; nothing while a write may still be undone, and with temporaries.
 std::optional<unsigned> committedVersion(const KeptMirror::ConnectionPtr& connection) {
     sqlite3* const handle = connection ? connection->handle() : nullptr;
     if (handle == nullptr || sqlite3_get_autocommit(handle) == 0 ||
-        sqlite3_txn_state(handle, "main") == SQLITE_TXN_WRITE || versionOf(handle, "temp"))
+        sqlite3_txn_state(handle, "main") == SQLITE_TXN_WRITE || hasTemporaries(connection))
         return std::nullopt;
     return versionOf(handle, "main");
 }
@@ -73,10 +83,14 @@ bool hasPlainTable(const KeptMirror::ConnectionPtr& connection, const std::strin
 
 /// Whether clearing would take back just what these bookings wrote. It goes by identifiers and names: where
 /// two bookings share an identifier, or a programme has the name of a manual booking, it takes other rows.
+/// Manual bookings have all to be there: their INSERT tells of no failure.
 bool isRepeatable(const KeptMirror::ConnectionPtr& connection, const std::vector<MirroredBooking>& bookings) {
     std::map<std::string_view, bool> manualById;
-    for (const MirroredBooking& booking : bookings)
+    int manualsLeft = 0;
+    for (const MirroredBooking& booking : bookings) {
         if (!manualById.emplace(booking.scheduleId, booking.manual.has_value()).second) return false;
+        if (booking.manual) ++manualsLeft;
+    }
     Statement scheduled;
     scheduled.setConnection(connection);
     scheduled.setSql(scheduledRowsSql);
@@ -86,8 +100,9 @@ bool isRepeatable(const KeptMirror::ConnectionPtr& connection, const std::vector
         const auto booking = manualById.find(columnText(scheduled.handle(), 0));
         const bool namedManual = std::string_view(columnText(scheduled.handle(), 1)) == manualBookingName;
         if (booking == manualById.end() || booking->second != namedManual) return false;
+        if (namedManual) --manualsLeft;
     }
-    return result == SQLITE_DONE && !manualById.contains("");
+    return result == SQLITE_DONE && manualsLeft == 0 && !manualById.contains("");
 }
 
 }  // namespace
@@ -119,10 +134,10 @@ void KeptMirror::Writing::read(int result) {
     if (result != SQLITE_DONE) m_version.reset();
 }
 
-void KeptMirror::Writing::keep(std::vector<MirroredBooking> bookings, const std::string& createSql) {
+void KeptMirror::Writing::keep(std::vector<MirroredBooking> bookings, std::string (*createSql)()) {
     if (!m_version) return;
     try {
-        if (!hasPlainTable(m_connection, createSql) || !isRepeatable(m_connection, bookings) ||
+        if (!hasPlainTable(m_connection, createSql()) || !isRepeatable(m_connection, bookings) ||
             committedVersion(m_connection) != m_version)
             return;
         lastMirror.put(

@@ -67,9 +67,9 @@ public:
         void read(int result);
 
         /// Remembers the mirror of these bookings, unless a statement failed, somebody else wrote meanwhile,
-        /// or writing it again would change anything. Without memory it is not remembered. `createSql` is
-        /// the statement that makes the table.
-        void keep(std::vector<MirroredBooking> bookings, const std::string& createSql);
+        /// or writing it again would change anything. Without memory it is not remembered. `createSql`
+        /// answers the statement that makes the table.
+        void keep(std::vector<MirroredBooking> bookings, std::string (*createSql)());
 
     private:
         ConnectionPtr m_connection;

@@ -34,17 +34,17 @@ private:
         bool isTime;  ///< of the table: read as a number of 32 bits
     };
 
+    struct WrittenTime {
+        int time = 0;
+        HeapText text;
+    };
+
     void resolve(sqlite3_stmt* statement);
     void writeTime(void* object, const Column& column, sqlite3_stmt* statement);
 
     int m_keyView;
     std::vector<std::string> m_unknownNames;  ///< of columns that stand under their own names
     std::vector<Column> m_columns;            ///< ascending by key, which are unique
-
-    struct WrittenTime {
-        int time = 0;
-        HeapText text;
-    };
 
     /// Times written lately, each in the place of the oldest. Most programmes begin when the one before has
     /// ended, and a row has its end before its start: that is three times ago.

@@ -1,5 +1,6 @@
 // The schedule mirror: the reminder store's bookings in the table's schedule columns.
 #include <algorithm>
+#include <cstddef>
 #include <initializer_list>
 #include <iterator>
 #include <memory>
@@ -174,9 +175,11 @@ void EpgSQLPluginVexmoor::m_mirrorSchedules(ConnectionPtr connection) {
         for (const MirroredBooking& booking : bookings)
             m_writeBooking(booking, update, connection, writing);
     }
-    std::string createSql;
-    m_createTblFrmEpg(GuideTable::schemaTemplate, createSql, connection);
-    writing.keep(std::move(bookings), createSql);
+    writing.keep(std::move(bookings), [] {
+        std::string createSql;
+        m_createTblFrmEpg(GuideTable::schemaTemplate, createSql, {});
+        return createSql;
+    });
 }
 
 int EpgSQLPluginVexmoor::m_removeDBSchedData(ConnectionPtr connection) {
@@ -213,7 +216,7 @@ void EpgSQLPluginVexmoor::m_writeBooking(const MirroredBooking& booking, Stateme
     m_insertSchedData(booking.channelId, row.channelNumber, row.channelName, row.serviceType, row.antenna,
                       row.scrambled, booking.programId, row.start, row.end, booking.scheduleId,
                       booking.scheduleType, booking.repeat, connection);
-    writing.wrote(SQLITE_DONE);  // without a row, or with another try, the version is not the next one
+    writing.wrote(SQLITE_DONE);  // another try, with its pruning, takes the version further
 }
 
 bool EpgSQLPluginVexmoor::m_checkIfEventIsInDB(const std::string& channelId, const std::string& eventId,

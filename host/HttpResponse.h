@@ -16,7 +16,7 @@ public:
     /// Sets the HTTP status. What is no final status (200 to 599) is sent as 500.
     virtual void setStatus(int status) = 0;
 
-    /// The stream that the body is written to; owned by the response.
+    /// The stream that the body is written to, from its start to its end; owned by the response.
     virtual std::ostream& getOutputStream() = 0;
 
     /// Ends the headers: called once, after the status and all headers, before any of the body.

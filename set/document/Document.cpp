@@ -103,6 +103,7 @@ DocumentMember* Document::addMember(DocumentObject& object, const char* key, std
     const std::size_t textLength = cleanText.view().size();
 
     void* block = allocate(sizeof(DocumentMember) + textLength + 1);
+    count(kept.size());  // shared, but printed each time
     auto* member = new (block) DocumentMember;
     char* const textStart = static_cast<char*>(block) + sizeof(DocumentMember);
     copyWithNul(cleanText.view(), textStart);
@@ -147,12 +148,15 @@ DocumentMember* Document::tryAddMember(DocumentObject& object, const char* key,
 }
 
 void* Document::allocate(std::size_t bytes) {
-    // Rounded as the arena rounds, so that the count is true to the memory used.
+    // Rounded as the arena rounds, so that the count is not below the memory used.
     bytes = (bytes + blockAlignment - 1) / blockAlignment * blockAlignment;
+    count(bytes);
+    return arena_.allocate(bytes, blockAlignment);
+}
+
+void Document::count(std::size_t bytes) {
     if (byteCount_ + bytes > 2 * documentByteBudget()) throw std::bad_alloc();
-    void* block = arena_.allocate(bytes, blockAlignment);
     byteCount_ += bytes;
-    return block;
 }
 
 }  // namespace epgset

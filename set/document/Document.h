@@ -83,13 +83,14 @@ public:
     /// that the object being filled is whole; one that would take it past twice the budget is lost.
     bool isComplete() const { return complete_; }
 
-    /// Bytes of all members, with their keys and texts, and objects.
+    /// Bytes of all members, each with its key and text, and objects.
     std::size_t byteCount() const { return byteCount_; }
 
 private:
     DocumentMember* addMember(DocumentObject& object, const char* key, std::string_view text);
     DocumentMember* tryAddMember(DocumentObject& object, const char* key, std::string_view text) noexcept;
     void* allocate(std::size_t bytes);
+    void count(std::size_t bytes);
     std::string_view keptKey(std::string_view key);
 
     /// Keys of members that came before, as they stand in the arena: objects of a list have the same ones, in

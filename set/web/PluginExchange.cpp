@@ -106,10 +106,10 @@ WebResponse PluginResponse::finish() {
                                                      response_.status);
         response_.status = 500;
     }
-    // A stream keeps to itself that it had no memory for what was written.
+    // A stream keeps to itself that it had no memory for what was written, or could not write it.
     const bool whole = !stream_.fail();
     response_.body = body_.take();
-    if (!whole) response_ = textResponse(500, "out of memory");
+    if (!whole) response_ = textResponse(500, "the answer could not be written");
     touched_ = false;
     stream_.clear();
     return std::exchange(response_, WebResponse());

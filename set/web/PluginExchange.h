@@ -62,8 +62,8 @@ public:
     bool untouched() const;
 
     /// What is to be sent: an empty 404 when the response is untouched; 500 in place of a status outside
-    /// 100 to 599, and of 1xx, which cannot end a request; 500 in place of a body that there was no memory
-    /// for. The object is empty afterwards.
+    /// 100 to 599, and of 1xx, which cannot end a request; 500 in place of a body that could not be
+    /// written, as without memory. The object is empty afterwards.
     WebResponse finish();
 
 private:

@@ -3,10 +3,12 @@
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "set/middleware/Television.h"
 #include "tests/plugin/AdapterTest.h"
 #include "tests/support/ForwardingTelevision.h"
 

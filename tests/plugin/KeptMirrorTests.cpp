@@ -1,7 +1,9 @@
 // When the schedule mirror is written again, and when the table shows the bookings already.
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
 #include <array>
+#include <cstddef>
 #include <functional>
 #include <random>
 #include <string>
@@ -174,6 +176,17 @@ TEST_F(KeptMirrorTest, OpensNoDatabaseThatAClientWouldSee) {
     EXPECT_THAT(rows("SELECT name FROM pragma_database_list"), ElementsAre(Row{"main"}));
 }
 
+TEST_F(KeptMirrorTest, IsKeptThoughAClientLookedForTemporaryTables) {
+    rows("SELECT * FROM sqlite_temp_master");
+    request();
+    EXPECT_THAT(request(), Not(testing::Contains(testing::HasSubstr("myView"))));
+}
+
+TEST_F(KeptMirrorTest, IsForgottenWithANewDatabase) {
+    OpenPlugin::m_createSqlDB("");
+    EXPECT_THAT(request(), Not(IsEmpty()));
+}
+
 TEST_F(KeptMirrorTest, IsOfOneDatabaseAlone) {
     const auto other = OpenPlugin::m_createSqlDB("");
     OpenPlugin::m_CreateDBTable(GuideTable::source, GuideTable::schemaTemplate, nullptr, other);
@@ -204,14 +217,14 @@ TEST_F(KeptMirrorTest, IsWrittenAgainAfterAMarkThatFailed) {
 }
 
 TEST_F(KeptMirrorTest, IsWrittenAgainAfterAClearingThatFailed) {
-    reminders.entries = {entry(5, 2, "Football")};
+    reminders.entries = {entry(5, 2, "Football"), entry(6, 0, "")};
     {
         const epgset::DatabaseFault fault(epgset::DatabaseFault::Compile, scheduledRowsSql);
         request();
         EXPECT_THAT(schedules(), testing::SizeIs(3)) << "nothing was cleared";
     }
     request();
-    EXPECT_THAT(schedules(), testing::SizeIs(1));
+    EXPECT_THAT(schedules(), testing::SizeIs(2));
 }
 
 TEST_F(KeptMirrorTest, IsWrittenAgainAfterAnInsertThatFoundNoRoomAtFirst) {

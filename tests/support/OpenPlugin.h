@@ -64,9 +64,9 @@ public:
     using EpgSQLPluginVexmoor::m_insertFakeProgram;
     using EpgSQLPluginVexmoor::m_insertSchedData;
     using EpgSQLPluginVexmoor::m_isProgramTimeInQueryRange;
+    using EpgSQLPluginVexmoor::m_mirrorSchedules;
     using EpgSQLPluginVexmoor::m_output_sql_result;
     using EpgSQLPluginVexmoor::m_parseEpgData;
-    using EpgSQLPluginVexmoor::m_mirrorSchedules;
     using EpgSQLPluginVexmoor::m_ParseClientCommand;
     using EpgSQLPluginVexmoor::m_printSqlRowData;
     using EpgSQLPluginVexmoor::m_removeDBSchedData;

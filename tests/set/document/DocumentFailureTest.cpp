@@ -68,6 +68,19 @@ TEST_F(DocumentFailure, ADocumentBeyondItsBudgetGivesNoFurtherObjects) {
     EXPECT_EQ(TARNO_rdoc_create_object(root()), nullptr);
 }
 
+TEST_F(DocumentFailure, KeysCountTowardsTheBudgetAsOftenAsTheyArePrinted) {
+    setDocumentByteBudget(10000);
+    void* items = attached(root(), "items");
+    int made = 0;
+    while (void* row = TARNO_rdoc_create_object(root())) {
+        TARNO_rdoc_add_object(items, nullptr, row);
+        TARNO_rdoc_add_integer(row, std::string(1000, 'k').c_str(), 1);
+        ASSERT_LT(++made, 12);
+    }
+    EXPECT_GT(made, 6);
+    EXPECT_LT(json().size(), 20000U);
+}
+
 TEST_F(DocumentFailure, TheObjectThatPassesTheBudgetIsPrintedWhole) {
     setDocumentByteBudget(10000);
     void* row = attached(root(), "row");

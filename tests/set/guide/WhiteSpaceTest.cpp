@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <locale>
 #include <random>
 #include <sstream>
 #include <string>
