@@ -7,6 +7,7 @@
 #include <functional>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "set/database/DatabaseFaults.h"
@@ -256,6 +257,28 @@ TEST_F(KeptMirrorTest, ReportsABookingWithoutAChannelEachTime) {
         EXPECT_THAT(pluginLog(), ElementsAre("ERROR! get remind item failed!\n"));
         EXPECT_THAT(schedules(), testing::SizeIs(1));
     }
+}
+
+TEST_F(KeptMirrorTest, IsRightAgainAfterSomeThatWereWrittenAtOnce) {
+    TestReminders store;  // may be read by several threads
+    store.book(1, 0, CReminder::RESERVE_RECORD, CReminder::REPEAT_ONCE) = entry(5, 1, "Morning");
+    store.book(0, 0, CReminder::RESERVE_RECORD, CReminder::REPEAT_ONCE) = entry(6, 0, "");
+    const auto good = schedules();
+    {
+        const auto mirrorOften = [this] {
+            for (int times = 0; times < 100; ++times) {
+                OpenPlugin::m_mirrorSchedules(database);
+                if (times % 10 == 0)
+                    sqlite3_exec(database->handle(), "UPDATE myView SET ScheduleType='VIEW'", nullptr,
+                                 nullptr, nullptr);
+            }
+        };
+        const std::jthread one(mirrorOften);
+        const std::jthread other(mirrorOften);
+    }
+    request();
+    EXPECT_EQ(schedules(), good);
+    EXPECT_THAT(request(), IsEmpty());
 }
 
 /// Two databases that the same things happen to: the mirror of one is kept where it can be, that of the other
