@@ -1,8 +1,6 @@
 // Keeping the table current: update check, rebuild, pruning.
 #include <cstdint>
 #include <list>
-#include <memory>
-#include <new>
 #include <string>
 #include <utility>
 
@@ -29,10 +27,9 @@ ModeCounts countMode(int tvmode, int& programCount) {
     if (!keys) return counts;
     for (bool more = keys->Seek(TCObjectSortedList::First, 0); more && keys->Data() != nullptr;
          more = keys->Seek(TCObjectSortedList::Current, 1)) {
-        const std::unique_ptr<TCChannel> channel(new (std::nothrow) TCChannel());
-        if (channel && g_pAppTV->ExistChannel(keys->Data(), channel.get(), 0) != 0 &&
-            channel->FlagDigital() != 0) {
-            const ProgramList programs(t_get_cached_program_list(channel.get(), 0, 0));
+        TCChannel channel;
+        if (g_pAppTV->ExistChannel(keys->Data(), &channel, 0) != 0 && channel.FlagDigital() != 0) {
+            const ProgramList programs(t_get_cached_program_list(&channel, 0, 0));
             programCount = programs ? programs->Size() : 0;
         }
         if (programCount == 0)
