@@ -25,7 +25,7 @@ void CachedChannels::walk(int tvmode, const std::vector<Number>& numbers) {
         const int minor = met->Minor();
         const auto left = std::erase_if(wanted, [&](std::size_t place) {
             const Number& number = numbers[place];
-            const bool fits = number.major == major && (number.minor == 0 || number.minor == minor);
+            const bool fits = isNumberAskedFor(major, minor, number.major, number.minor);
             if (fits) m_found[place] = met;
             return fits;
         });

@@ -8,6 +8,12 @@
 #include "host/TCChannel.h"
 #include "host/TCObjectSortedList.h"
 
+/// Whether a channel of the number `major`, `minor` is one that is asked for; the minor number 0 asks for
+/// any.
+inline bool isNumberAskedFor(int major, int minor, int majorAsked, int minorAsked) {
+    return major == majorAsked && (minorAsked == 0 || minor == minorAsked);
+}
+
 /// Hands every digital channel of a key list to `visit`, as a new object that it may take, from the first on,
 /// until it answers true. `missing` is told of each key that leads to none, and ends the walk by answering
 /// true. Ends early without memory for a channel.

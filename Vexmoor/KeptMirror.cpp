@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "Vexmoor/ColumnText.h"
+#include "Vexmoor/TextCompare.h"
 #include "host/Statement.h"
 
 namespace {
@@ -75,7 +76,7 @@ bool hasPlainTable(const KeptMirror::ConnectionPtr& connection, const std::strin
     int result = SQLITE_OK;
     while ((result = sqlite3_step(schema.handle())) == SQLITE_ROW) {
         const std::string sql = columnText(schema.handle(), 1);  // as it was given, less the semicolon
-        found = columnText(schema.handle(), 0) == std::string_view("table") && sql + ";" == createSql;
+        found = isText(columnText(schema.handle(), 0), "table") && sql + ";" == createSql;
         if (!found) return false;
     }
     return found && result == SQLITE_DONE;
@@ -98,7 +99,7 @@ bool isRepeatable(const KeptMirror::ConnectionPtr& connection, const std::vector
     int result = SQLITE_OK;
     while ((result = sqlite3_step(scheduled.handle())) == SQLITE_ROW) {
         const auto booking = manualById.find(columnText(scheduled.handle(), 0));
-        const bool namedManual = std::string_view(columnText(scheduled.handle(), 1)) == manualBookingName;
+        const bool namedManual = isText(columnText(scheduled.handle(), 1), manualBookingName);
         if (booking == manualById.end() || booking->second != namedManual) return false;
         if (namedManual) --manualsLeft;
     }
@@ -143,6 +144,6 @@ void KeptMirror::Writing::keep(std::vector<MirroredBooking> bookings, std::strin
         lastMirror.put(
             std::make_unique<Mirror>(Mirror{m_connection->handle(), *m_version, std::move(bookings)}));
     } catch (const std::bad_alloc&) {
-        KeptMirror::forget();
+        // The table is right all the same: the next mirror is written.
     }
 }

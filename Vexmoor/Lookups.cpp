@@ -101,7 +101,7 @@ TCChannel* t_get_cached_channel_by_num(int tvmode, int major, int minor) {
     visitDigitalChannels(
         *keys,
         [&](std::unique_ptr<TCChannel>& channel) {
-            if (channel->Major() != major || (minor != 0 && channel->Minor() != minor)) return false;
+            if (!isNumberAskedFor(channel->Major(), channel->Minor(), major, minor)) return false;
             found = std::move(channel);
             return true;
         },

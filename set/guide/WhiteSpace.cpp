@@ -12,19 +12,13 @@ bool isSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-/// The high bits of the bytes of a word that are a blank, exactly.
-std::uint64_t blanks(std::uint64_t word) {
-    const std::uint64_t others = word ^ everyByte(' ');
-    return ~(((others & ~everyByte(0x80)) + ~everyByte(0x80)) | others) & everyByte(0x80);
-}
-
 /// Whether the text is collapsed for certain, as most are. Looks at pairs of neighbours, eight at a time.
 bool isCollapsed(std::string_view text) {
     constexpr std::size_t step = wordBytes;
     if (text.size() <= step || isSpace(text.front()) || isSpace(text.back())) return false;
     const auto isClean = [](const char* at) {
         const std::uint64_t word = wordAt(at);
-        return (controlBytes(word) | (blanks(word) & blanks(wordAt(at + 1)))) == 0;
+        return (controlBytes(word) | (bytesThatAre(' ', word) & bytesThatAre(' ', wordAt(at + 1)))) == 0;
     };
     const char* const last = text.data() + text.size() - step - 1;
     for (const char* at = text.data(); at < last; at += step)

@@ -24,7 +24,7 @@ constexpr std::uint64_t controlBytes(std::uint64_t word) {
     return highBits((word - everyByte(0x20)) & ~word);
 }
 
-/// Not 0 when a byte of the word is that one.
+/// The high bits of the bytes of the word that are that one, and perhaps of some above them; 0 when none is.
 constexpr std::uint64_t bytesThatAre(std::uint8_t value, std::uint64_t word) {
     const std::uint64_t zero = word ^ everyByte(value);
     return highBits((zero - everyByte(1)) & ~zero);

@@ -93,6 +93,13 @@ protected:
         return middleware(channel);
     }
 
+    /// A channel's mode, number and name, "(none)" for none.
+    static std::string described(TCChannel* channel) {
+        if (channel == nullptr) return "(none)";
+        return std::to_string(channel->TvMode()) + ":" + std::to_string(channel->Major()) + "-" +
+               std::to_string(channel->Minor()) + " " + taken(t_get_channel_name(channel)).value_or("");
+    }
+
     /// What the adapter logged, with the levels.
     std::vector<LogLine> logged() const {
         std::vector<LogLine> lines;

@@ -20,13 +20,6 @@ using testing::IsEmpty;
 
 class CachedChannelsTest : public AdapterTest {
 protected:
-    static std::string described(const TCChannel* channel) {
-        if (channel == nullptr) return "(none)";
-        const auto copy = std::make_unique<TCChannel>(*channel);
-        return std::to_string(channel->TvMode()) + ":" + std::to_string(channel->Major()) + "-" +
-               std::to_string(channel->Minor()) + " " + taken(t_get_channel_name(copy.get())).value_or("");
-    }
-
     static std::vector<std::string> found(const std::vector<CachedChannels::Number>& numbers) {
         const CachedChannels channels(numbers);
         std::vector<std::string> texts;

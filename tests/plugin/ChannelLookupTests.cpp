@@ -40,19 +40,12 @@ public:
 
 class Lookup : public AdapterTest {
 protected:
-    /// A channel's mode, number and name, "(none)" for none.
-    static std::string described(const std::unique_ptr<TCChannel>& channel) {
-        if (channel == nullptr) return "(none)";
-        return std::to_string(channel->TvMode()) + ":" + std::to_string(channel->Major()) + "-" +
-               std::to_string(channel->Minor()) + " " + taken(t_get_channel_name(channel.get())).value_or("");
-    }
-
     static std::string byNumber(int tvMode, int major, int minor) {
-        return described(std::unique_ptr<TCChannel>(t_get_cached_channel_by_num(tvMode, major, minor)));
+        return described(std::unique_ptr<TCChannel>(t_get_cached_channel_by_num(tvMode, major, minor)).get());
     }
 
     static std::string byId(const char* id) {
-        return described(std::unique_ptr<TCChannel>(t_get_cached_channel_by_id(id)));
+        return described(std::unique_ptr<TCChannel>(t_get_cached_channel_by_id(id)).get());
     }
 
     static void addAnalogue(TestGuide& guide, int major) {
@@ -376,7 +369,7 @@ protected:
         const std::unique_ptr<TCProgram> programme(t_get_cached_program_by_id(id, &channel));
         const std::unique_ptr<TCChannel> owned(programme == nullptr ? nullptr : channel);
         if (programme == nullptr) return "(none)";
-        return taken(t_get_program_name(programme.get())).value_or("") + " on " + described(owned);
+        return taken(t_get_program_name(programme.get())).value_or("") + " on " + described(owned.get());
     }
 };
 

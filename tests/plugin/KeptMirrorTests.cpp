@@ -190,7 +190,7 @@ TEST_F(KeptMirrorTest, IsForgottenWithANewDatabase) {
 
 TEST_F(KeptMirrorTest, IsOfOneDatabaseAlone) {
     const auto other = OpenPlugin::m_createSqlDB("");
-    OpenPlugin::m_CreateDBTable(GuideTable::source, GuideTable::schemaTemplate, nullptr, other);
+    fill(other);
     const auto version = [](const Container::SharedPtr<Connection>& connection) {
         unsigned number = 0;
         sqlite3_file_control(connection->handle(), "main", SQLITE_FCNTL_DATA_VERSION, &number);
@@ -288,14 +288,9 @@ protected:
     static constexpr unsigned steps = 3000;
 
     MirroredTwins() {
-        OpenPlugin::m_CreateDBTable(GuideTable::source, GuideTable::schemaTemplate, nullptr, twin);
+        fill(twin);
         request();
-        mirrorTwin();
-    }
-
-    void mirrorTwin() const {
-        OpenPlugin::m_removeDBSchedData(twin);
-        OpenPlugin::m_updateDBSchedData(twin);
+        mirror(twin);
     }
 
     void both(const std::string& sql) const {
@@ -322,8 +317,7 @@ protected:
         } else if (pick(40) == 0) {
             for (const auto& connection : {database, twin}) {
                 OpenPlugin::m_deleteDBTable("myView", connection);
-                OpenPlugin::m_CreateDBTable(GuideTable::source, GuideTable::schemaTemplate, nullptr,
-                                            connection);
+                fill(connection);
             }
         } else if (pick(2) == 0 && reminders.entries.size() < 5) {
             const unsigned long uid = pick(8);
@@ -349,7 +343,7 @@ TEST_F(MirroredTwins, StayTheSameWhateverHappens) {
     for (unsigned step = 0; step < steps; ++step) {
         if (pick(3) == 0) change();
         if (request().empty()) ++kept;
-        mirrorTwin();
+        mirror(twin);
         ASSERT_EQ(rows(wholeTable), rowsOf(*twin, wholeTable)) << "step " << step;
     }
     EXPECT_GT(kept, steps / 10);

@@ -80,10 +80,13 @@ protected:
     int clear() const { return OpenPlugin::m_removeDBSchedData(database); }
     int refill() const { return OpenPlugin::m_updateDBSchedData(database); }
 
-    /// What a request does before it is answered.
-    void mirror() const {
-        clear();
-        refill();
+    /// Writes the mirror, whatever the table shows.
+    void mirror() const { mirror(database); }
+
+    /// The same in another database.
+    static void mirror(const Container::SharedPtr<Connection>& connection) {
+        OpenPlugin::m_removeDBSchedData(connection);
+        OpenPlugin::m_updateDBSchedData(connection);
     }
 
     /// Rows with a schedule: programme identifier, name, schedule identifier, type and repeat.

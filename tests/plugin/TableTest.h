@@ -36,8 +36,12 @@ protected:
     TableTest() { log.clear(); }
 
     /// Makes the table in the test's database and fills it from the guide.
-    int fill() const {
-        return OpenPlugin::m_CreateDBTable(GuideTable::source, GuideTable::schemaTemplate, nullptr, database);
+    int fill() const { return fill(database); }
+
+    /// The same in another database.
+    static int fill(const Container::SharedPtr<Connection>& connection) {
+        return OpenPlugin::m_CreateDBTable(GuideTable::source, GuideTable::schemaTemplate, nullptr,
+                                           connection);
     }
 
     /// Rows of a statement on the test's database.
